@@ -1,0 +1,27 @@
+# Warnings for the project's own code; third-party headers come in as system
+# headers (pkg-config and imported targets mark them so).
+function(morvane_warnings target)
+  target_compile_options(${target} PRIVATE -Wall -Wextra -Wpedantic -Werror)
+endfunction()
+
+# morvane_test(NAME source...): one GoogleTest executable, registered with CTest
+# test by test. Extra libraries can be linked by the caller afterwards.
+function(morvane_test name)
+  add_executable(${name} ${ARGN})
+  target_link_libraries(${name} PRIVATE Morvane::morvane GTest::gtest GTest::gmock GTest::gtest_main)
+  morvane_warnings(${name})
+  target_compile_definitions(${name} PRIVATE
+    MORVANE_SOURCE_DIR="${PROJECT_SOURCE_DIR}"
+    MORVANE_SHARED_DATA_DIR="${PROJECT_SOURCE_DIR}/../shared/data")
+  gtest_discover_tests(${name} DISCOVERY_TIMEOUT 60 PROPERTIES TIMEOUT 300)
+endfunction()
+
+# morvane_bench(NAME source...): a benchmark program; it prints its GOAL lines.
+function(morvane_bench name)
+  add_executable(${name} ${ARGN})
+  target_link_libraries(${name} PRIVATE Morvane::morvane benchmark::benchmark)
+  morvane_warnings(${name})
+  target_compile_definitions(${name} PRIVATE
+    MORVANE_SOURCE_DIR="${PROJECT_SOURCE_DIR}"
+    MORVANE_SHARED_DATA_DIR="${PROJECT_SOURCE_DIR}/../shared/data")
+endfunction()
