@@ -1,0 +1,130 @@
+#include <morvane/model/Node.h>
+
+#include <bit>
+#include <functional>
+
+namespace morvane {
+
+namespace {
+const Value kAbsent;
+
+std::size_t hashKey(std::string_view key) {
+    return std::hash<std::string_view>{}(key);
+}
+} // namespace
+
+Node::Node(std::initializer_list<Entry> entries) {
+    reserve(entries.size());
+    for (const auto& [key, value] : entries)
+        set(key, value);
+}
+
+std::size_t Node::indexOf(std::string_view key) const {
+    if (entries_.size() < kIndexThreshold) {
+        for (std::size_t i = 0; i < entries_.size(); ++i)
+            if (entries_[i].first == key) return i;
+        return npos;
+    }
+    const std::size_t mask = index_.size() - 1;
+    for (std::size_t slot = hashKey(key) & mask;; slot = (slot + 1) & mask) {
+        const std::uint32_t stored = index_[slot];
+        if (stored == 0) return npos;
+        if (entries_[stored - 1].first == key) return stored - 1;
+    }
+}
+
+void Node::rebuildIndex() {
+    if (entries_.size() < kIndexThreshold) {
+        index_.clear();
+        return;
+    }
+    // Twice the entries, rounded up to a power of two, keeps probes short.
+    const std::size_t capacity = std::bit_ceil(std::max<std::size_t>(entries_.size() * 2, 32));
+    index_.assign(capacity, 0);
+    for (std::size_t i = 0; i < entries_.size(); ++i)
+        indexInsert(i);
+}
+
+void Node::indexInsert(std::size_t position) {
+    const std::size_t mask = index_.size() - 1;
+    std::size_t slot = hashKey(entries_[position].first) & mask;
+    while (index_[slot] != 0)
+        slot = (slot + 1) & mask;
+    index_[slot] = static_cast<std::uint32_t>(position + 1);
+}
+
+const Value& Node::get(std::string_view key) const {
+    const std::size_t i = indexOf(key);
+    return i == npos ? kAbsent : entries_[i].second;
+}
+
+bool Node::set(std::string_view key, Value value) {
+    if (readOnly_) return false;
+    if (value.isAbsent()) {
+        remove(key);
+        return true;
+    }
+    const std::size_t i = indexOf(key);
+    if (i != npos) {
+        entries_[i].second = std::move(value);
+        return true;
+    }
+    appendUnchecked(std::string(key), std::move(value));
+    return true;
+}
+
+void Node::appendUnchecked(std::string key, Value value) {
+    entries_.emplace_back(std::move(key), std::move(value));
+    if (entries_.size() < kIndexThreshold) return;
+    if (entries_.size() * 2 > index_.size()) {
+        rebuildIndex(); // grows the table; amortised like the vector itself
+        return;
+    }
+    indexInsert(entries_.size() - 1);
+}
+
+bool Node::remove(std::string_view key) {
+    if (readOnly_) return false;
+    const std::size_t i = indexOf(key);
+    if (i == npos) return false;
+    entries_.erase(entries_.begin() + static_cast<std::ptrdiff_t>(i));
+    // Positions after the removed entry moved; erasing was linear already.
+    rebuildIndex();
+    return true;
+}
+
+void Node::clear() {
+    if (readOnly_) return;
+    entries_.clear();
+    index_.clear();
+}
+
+void Node::reserve(std::size_t count) {
+    entries_.reserve(count);
+}
+
+std::vector<std::string> Node::keys() const {
+    std::vector<std::string> out;
+    out.reserve(entries_.size());
+    for (const auto& entry : entries_)
+        out.push_back(entry.first);
+    return out;
+}
+
+NodePtr Node::shallowCopy() const {
+    auto copy = Node::make();
+    copy->entries_ = entries_;
+    copy->index_ = index_;
+    return copy;
+}
+
+bool Node::equals(const Node& other) const {
+    if (this == &other) return true;
+    if (size() != other.size()) return false;
+    for (const auto& [key, value] : entries_) {
+        if (!(value == other.get(key))) return false;
+    }
+    return true;
+}
+
+} // namespace morvane
