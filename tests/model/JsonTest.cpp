@@ -95,6 +95,8 @@ TEST(Json, numbers_keep_their_value) {
             EXPECT_EQ(back->at(i).number(), list->at(i).number()) << text << " #" << i;
     }
     EXPECT_EQ(json::parse("[0.1]").list()->at(0).number(), 0.1);
+    // Integers beyond 64 bits are read as the nearest double.
+    EXPECT_EQ(json::parse("123456789012345678901234567890").number(), 123456789012345678901234567890.0);
     EXPECT_EQ(roundTrip("[100,-7,4.0]"), "[100,-7,4]");
     EXPECT_EQ(errorOf("[1e400]").empty(), false); // too big for a double: refused, not infinity
 }
@@ -246,5 +248,9 @@ TEST(Json, sample_documents_survive_a_round_trip) {
         EXPECT_TRUE(first.value == second.value) << name;
         EXPECT_EQ(json::write(second.value), compact) << name;
         EXPECT_TRUE(json::parse(json::write(first.value, json::Layout::Pretty)) == first.value) << name;
+        // Strict text takes the fast reader, lenient text the other one: they must agree.
+        json::ReadOptions lenient;
+        lenient.syntax = json::Syntax::Lenient;
+        EXPECT_TRUE(json::parse(text, lenient) == first.value) << name;
     }
 }
