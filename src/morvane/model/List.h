@@ -10,6 +10,8 @@
 #include <cstddef>
 #include <initializer_list>
 #include <memory>
+#include <string>
+#include <string_view>
 #include <vector>
 
 namespace morvane {
@@ -55,6 +57,22 @@ class List : public std::enable_shared_from_this<List> {
     // Shallow copy: the same elements (Nodes and lists shared).
     ListPtr shallowCopy() const;
     bool equals(const List& other) const;
+
+    // ---- Booking samples (ListBooking.cpp) ----------------------------------
+    // The sample records of a shuttle booking that the item-price selector
+    // reads: four Nodes with "title", "alias" and "list", each kept as a JSON
+    // object text. The texts carry a comma after their last member, so
+    // defaultDict reads them with the lenient reader.
+
+    // A new list of the four sample records, in the order of the texts below.
+    static ListPtr bookData();
+    // The mutable Node read from an object text (a trailing comma allowed);
+    // nullptr when the text is not a JSON object.
+    static NodePtr defaultDict(std::string_view text);
+    static std::string myDate1();
+    static std::string myDeparture();
+    static std::string myBellingham();
+    static std::string mySeaTac();
 
   private:
     std::vector<Value> items_;
