@@ -1,5 +1,6 @@
 #include <morvane/sys/Settings.h>
 
+#include <morvane/model/Json.h>
 #include <morvane/sys/App.h>
 #include <morvane/sys/Files.h>
 #include <morvane/sys/Log.h>
@@ -201,8 +202,12 @@ bool Settings::setText(std::string_view key, std::string_view text) {
 bool Settings::setValue(std::string_view key, const Value& value) {
     if (value.isAbsent()) return remove(key);
     if (const std::string* text = value.text()) return setText(key, *text);
-    Log::platform("Cannot save the setting \"" + std::string(key) + "\": only texts can be stored");
-    return false;
+    if (value.isObject()) {
+        // A colour or a callback has no stored form; storing it would silently lose it.
+        Log::platform("Cannot save the setting \"" + std::string(key) + "\": the value cannot be stored");
+        return false;
+    }
+    return impl_->save(key, kJson, json::write(value));
 }
 
 bool Settings::remove(std::string_view key) {
@@ -229,7 +234,10 @@ Value Settings::value(std::string_view key) const {
     auto stored = impl_->load(key);
     if (!stored) return {};
     if (stored->kind == kText) return Value(std::move(stored->data));
-    return {};
+    auto result = json::read(stored->data);
+    if (!result)
+        Log::platform("The setting \"" + std::string(key) + "\" cannot be read: " + result.error->describe());
+    return result.value;
 }
 
 std::vector<std::string> Settings::keys() const {

@@ -34,14 +34,16 @@ class Settings {
     Settings& operator=(const Settings&) = delete;
 
     // Store a value under a key; true once it is committed. Storing the
-    // absent value removes the key.
+    // absent value removes the key. Nodes, lists, numbers, flags and null are
+    // kept as JSON; opaque objects (colours, callbacks) cannot be stored.
     bool setText(std::string_view key, std::string_view text);
     bool setValue(std::string_view key, const Value& value);
     bool remove(std::string_view key);
 
     // The text stored under the key, or nothing (also when a non-text value is stored there).
     std::optional<std::string> text(std::string_view key) const;
-    // The value stored under the key, or the absent value.
+    // The value stored under the key, or the absent value. Nodes and lists come
+    // back as new, mutable copies of what was saved.
     Value value(std::string_view key) const;
     std::vector<std::string> keys() const;
 
