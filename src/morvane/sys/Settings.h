@@ -3,9 +3,9 @@
 // texts and NodeTree values under text keys, kept in one SQLite database in
 // the application's data folder.
 //
-// Every save is one committed transaction in write-ahead-log mode before it
-// returns, so a program killed at any moment keeps every value whose save
-// returned; synchronize() therefore has nothing left to do. A missing store is
+// Every save is one committed transaction in write-ahead-log mode, flushed to
+// disk before it returns, so a program killed at any moment (or a power cut)
+// keeps every value whose save returned; synchronize() has nothing left to do. A missing store is
 // created; a damaged one is moved aside (with a logged warning) and replaced
 // by a fresh one. A store that cannot be opened at all is kept in memory for
 // the run, again with a warning. Safe from any thread.
