@@ -158,6 +158,22 @@ class List : public std::enable_shared_from_this<List> {
     long findIdx(const Value& value, std::string_view f, bool ascend) const;
     long findText(std::string_view text, bool ascend) const;
 
+    // ---- Booking samples (ListBooking.cpp) ----------------------------------
+    // The sample records of a shuttle booking that the item-price selector
+    // reads: four Nodes with "title", "alias" and "list", each kept as a JSON
+    // object text. The texts carry a comma after their last member, so
+    // defaultDict reads them with the lenient reader.
+
+    // A new list of the four sample records, in the order of the texts below.
+    static ListPtr bookData();
+    // The mutable Node read from an object text (a trailing comma allowed);
+    // nullptr when the text is not a JSON object.
+    static NodePtr defaultDict(std::string_view text);
+    static std::string myDate1();
+    static std::string myDeparture();
+    static std::string myBellingham();
+    static std::string mySeaTac();
+
   private:
     // The shared list, or a shallow copy when nobody shares this list.
     ListPtr self() const;
