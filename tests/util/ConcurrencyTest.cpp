@@ -18,7 +18,8 @@ namespace {
 // Formatters are cached per thread and dropped when the zone changes; a reader
 // racing a zone change must see either zone, never a torn or stale formatter.
 TEST(UtilThreads, stamps_stay_consistent_while_the_zone_changes) {
-    const auto moment = sys_days(2024y / January / 31) + 14h;
+    const double moment =
+        static_cast<double>((sys_days(2024y / January / 31) + 14h).time_since_epoch().count());
     std::atomic<bool> stop{false};
     std::atomic<int> bad{0};
     std::vector<std::thread> readers;

@@ -1,3 +1,4 @@
+#include <morvane/sys/Clock.h>
 #include <morvane/util/Dates.h>
 #include <morvane/util/Txt.h>
 
@@ -12,8 +13,9 @@ using namespace std::chrono_literals;
 
 namespace {
 
+// A moment from a UTC calendar day and time of day, as the kit's seconds since 1970.
 Dates::Time utc(year_month_day day, seconds time = 0s) {
-    return sys_days(day) + time;
+    return static_cast<double>((sys_days(day) + time).time_since_epoch().count());
 }
 
 // Every test pins zone and locale, and puts the system's back afterwards.
@@ -57,7 +59,7 @@ TEST_F(DatesTest, the_same_wall_time_is_a_different_moment_per_zone) {
     Dates::setTimeZone("Europe/Berlin");
     const auto berlin = Dates::text("2024.07.01T12:00:00");
     ASSERT_TRUE(tokyo && berlin);
-    EXPECT_EQ(*berlin - *tokyo, 7h); // summer time in Berlin: UTC+2 against UTC+9
+    EXPECT_EQ(*berlin - *tokyo, 7 * 3600.0); // summer time in Berlin: UTC+2 against UTC+9
 }
 
 TEST_F(DatesTest, stamp_parsing_is_strict_and_whole) {
@@ -155,15 +157,15 @@ TEST_F(DatesTest, unknown_zones_are_ignored) {
     EXPECT_EQ(Dates::timeZone(), "Asia/Tokyo");
 }
 
-TEST_F(DatesTest, getName_appends_the_current_stamp) {
-    const auto before = floor<seconds>(system_clock::now());
-    const auto name = morvane::Txt::getName("photo-");
-    const auto after = system_clock::now();
-    ASSERT_EQ(name.rfind("photo-", 0), 0u);
-    const auto read = Dates::text(name.substr(6));
-    ASSERT_TRUE(read);
-    EXPECT_GE(*read, before);
-    EXPECT_LE(*read, after);
+TEST_F(DatesTest, current_stamps_read_the_kits_clock) {
+    morvane::sys::Clock::useManual(utc(2024y / March / 3, 8h + 7min + 6s));
+    Dates::setTimeZone("Asia/Tokyo");
+    EXPECT_EQ(morvane::Txt::getName("photo-"), "photo-2024.03.03T17:07:06");
+    EXPECT_EQ(Dates::stamp(), "2024.03.03T17:07:06");
+    EXPECT_EQ(Dates::getDate(), "1707006");
+    morvane::sys::Clock::useReal();
+    // Back on the real clock the stamp is today's, in the stamp's own pattern.
+    EXPECT_TRUE(Dates::isValidDateFormat(morvane::Txt::getName(""), Dates::kStamp));
 }
 
 } // namespace

@@ -1,4 +1,5 @@
 #include <morvane/model/List.h>
+#include <morvane/sys/Log.h>
 #include <morvane/util/Txt.h>
 
 #include <gtest/gtest.h>
@@ -193,12 +194,18 @@ TEST(Txt, attachURL_joins_the_base_address_with_one_slash) {
     EXPECT_EQ(Txt::attachURL(""), "https://example-db.invalid/");
 }
 
-TEST(Txt, println_writes_tag_file_line_and_text) {
-    testing::internal::CaptureStderr();
+TEST(Txt, debug_lines_carry_tag_file_and_line) {
+    using morvane::sys::Log;
+    Log::Capture capture;
     Txt::println("hello", std::nullopt, "/src/app/menu.m", 42);
     Txt::println("x", "TAG", std::nullopt, -1);
     Txt::println("y", "", "menu.m", 7);
-    EXPECT_EQ(testing::internal::GetCapturedStderr(), "-zd menu.m@42: hello\nTAG @-1: x\n menu.m@7: y\n");
+    Txt::printIt("hello", "/src/app/menu.m", 42);
+    Txt::printIt("bad\xff", "", 0);
+    EXPECT_EQ(capture.texts(Log::Channel::StandardError),
+              (std::vector<std::string>{"-zd menu.m@42: hello\n", "TAG @-1: x\n", " menu.m@7: y\n"}));
+    EXPECT_EQ(capture.texts(Log::Channel::Platform),
+              (std::vector<std::string>{"zed menu.m:42>hello", "zed :0>bad\uFFFD"}));
 }
 
 } // namespace

@@ -1,5 +1,5 @@
+#include <morvane/sys/Clock.h>
 #include <morvane/util/Dates.h>
-#include <morvane/util/detail/Platform.h>
 #include <morvane/util/detail/Unicode.h>
 
 #include <unicode/locid.h>
@@ -76,13 +76,10 @@ icu::SimpleDateFormat* formatter(std::string_view pattern, Which which) {
 }
 
 UDate toUDate(Dates::Time t) {
-    return static_cast<UDate>(
-        std::chrono::duration_cast<std::chrono::milliseconds>(t.time_since_epoch()).count());
+    return t * 1000.0;
 }
-
 Dates::Time fromUDate(UDate d) {
-    return Dates::Time(
-        std::chrono::duration_cast<Dates::Time::duration>(std::chrono::duration<double, std::milli>(d)));
+    return d / 1000.0;
 }
 
 std::optional<Dates::Time> parse(std::string_view s, std::string_view pattern, Which which) {
@@ -137,10 +134,10 @@ std::string Dates::stamp(Time date) {
     return write(date, kStamp, Which::Posix);
 }
 std::string Dates::stamp() {
-    return stamp(detail::now());
+    return stamp(sys::Clock::date());
 }
 std::string Dates::getDate() {
-    return getDate(detail::now());
+    return getDate(sys::Clock::date());
 }
 std::string Dates::getDate(Time date) {
     return write(date, kClock, Which::Posix);

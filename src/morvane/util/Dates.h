@@ -12,7 +12,8 @@
 // Parsing is strict and must consume the whole text: "2024.02.30T..." or a
 // trailing character gives nothing. Safe to call from any thread.
 
-#include <chrono>
+#include <morvane/sys/Forward.h>
+
 #include <optional>
 #include <string>
 #include <string_view>
@@ -23,7 +24,8 @@ class Dates {
   public:
     Dates() = delete;
 
-    using Time = std::chrono::system_clock::time_point;
+    // Dates are the kit's moments: seconds since 1970-01-01 00:00:00 UTC.
+    using Time = sys::Date;
 
     // The picture and record date stamp; compared as text after a 19-character cut.
     static constexpr std::string_view kStamp = "yyyy.MM.dd'T'HH:mm:ss";
@@ -48,7 +50,7 @@ class Dates {
     // with the pattern accepts the whole text.
     static bool isValidDateFormat(std::string_view s, std::string_view form);
 
-    // The date written as a stamp, and the current time as one.
+    // The date written as a stamp, and the current time (the kit's clock) as one.
     static std::string stamp(Time date);
     static std::string stamp();
     // The current time, or the given one, with kClock.

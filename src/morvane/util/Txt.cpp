@@ -1,7 +1,9 @@
 #include <morvane/model/List.h>
+#include <morvane/model/Node.h>
+#include <morvane/sys/Log.h>
+#include <morvane/sys/Settings.h>
 #include <morvane/util/Dates.h>
 #include <morvane/util/Txt.h>
-#include <morvane/util/detail/Platform.h>
 #include <morvane/util/detail/Unicode.h>
 
 #include <unicode/locid.h>
@@ -98,7 +100,7 @@ UnicodeString withoutParen(const UnicodeString& text) {
         return {std::move(p), std::string()};
     }();
     if (!pattern.first) {
-        detail::writeLog("Error creating regular expression: " + pattern.second);
+        sys::Log::platform("Error creating regular expression: " + pattern.second);
         return text;
     }
     UErrorCode status = U_ZERO_ERROR;
@@ -148,12 +150,12 @@ void Txt::println(std::string_view text, std::optional<std::string_view> tag,
     out += ": ";
     out += toUtf8(toUtf16(text));
     out += '\n';
-    detail::writeStandardError(out);
+    sys::Log::standardError(out);
 }
 
 void Txt::printIt(std::string_view text, std::string_view fname, std::int32_t lineNo) {
-    detail::writeLog("zed " + lastPathPiece(fname) + ":" + std::to_string(lineNo) + ">" +
-                     toUtf8(toUtf16(text)));
+    sys::Log::platform("zed " + lastPathPiece(fname) + ":" + std::to_string(lineNo) + ">" +
+                       toUtf8(toUtf16(text)));
 }
 
 // ---- Paths and prices ----------------------------------------------------------
@@ -165,11 +167,11 @@ std::string Txt::attachURL(std::string_view text) {
 void Txt::setRealtimeBase(std::string_view url) {
     while (!url.empty() && url.back() == '/')
         url.remove_suffix(1);
-    detail::setSettingText(kRealtimeBaseKey, toUtf8(toUtf16(url)));
+    sys::Settings::standard()->setText(kRealtimeBaseKey, toUtf8(toUtf16(url)));
 }
 
 std::string Txt::realtimeBase() {
-    return detail::settingText(kRealtimeBaseKey).value_or("");
+    return sys::Settings::standard()->text(kRealtimeBaseKey).value_or("");
 }
 
 std::string Txt::toPrice(std::string_view text) {
@@ -191,18 +193,12 @@ std::string Txt::splitLastBy(std::string_view text, std::string_view separator) 
 }
 
 std::string Txt::DELsplitBy(std::string_view text, std::string_view separator) {
-    const auto d = toUtf16(separator);
-    const auto parts = pieces(toUtf16(text), d);
-    if (parts.size() < 2) return toUtf8(parts.front());
-    UnicodeString out;
-    for (std::size_t i = 1; i < parts.size(); ++i) {
-        if (out.isEmpty()) {
-            out = parts[i];
-        } else {
-            out.append(d).append(parts[i]);
-        }
-    }
-    return toUtf8(out);
+    // The NodeTree's split, on well-formed texts (a byte search in valid UTF-8
+    // only matches whole characters, as the UTF-16 search does).
+    static const Node splitter;
+    auto s = toUtf8(toUtf16(text));
+    const auto found = splitter.splitBy(s, toUtf8(toUtf16(separator)));
+    return found.isText() ? *found.text() : s;
 }
 
 std::string Txt::prefix(std::string_view text, std::string_view separator) {

@@ -1,0 +1,67 @@
+#pragma once
+// GColor: the corner analysis of pictures (are the corners white, which single
+// colour do they share), which lets a component blend a picture into a
+// background of the same colour, plus the colour comparisons it rests on.
+//
+// The picture is drawn into an ARGB bitmap (alpha first, premultiplied,
+// big-endian: bytes A, R, G, B per pixel, 4 x width bytes per row) and four
+// samples are read: (1, 1), (w - 1, 0), (0, h - 1) and (w - 1, h - 1). The
+// first sample sits one pixel in from the top-left corner on purpose (that is
+// how the kit has always sampled), so a picture needs at least 2 x 2 pixels;
+// a smaller or null picture gives nothing. Colours read from the bitmap are
+// its premultiplied bytes divided by 255.
+//
+// All operations are static; sharedInstance exists for code that wants an
+// object and holds no state.
+
+#include <morvane/gfx/Color.h>
+#include <morvane/gfx/Geometry.h>
+#include <morvane/gfx/Image.h>
+
+#include <cstdint>
+#include <optional>
+#include <span>
+#include <vector>
+
+namespace morvane {
+
+class GColor {
+  public:
+    // The once-made shared instance (thread-safe).
+    static GColor& sharedInstance();
+
+    // A picture drawn into the ARGB bitmap described above.
+    struct Bitmap {
+        int width = 0;
+        int height = 0;
+        std::vector<std::uint8_t> bytes; // height rows of width x 4 bytes
+    };
+
+    // The four corner samples when they agree within 0.1, the clear colour when
+    // they do not; nothing for a picture that cannot be read or sampled.
+    static std::optional<gfx::Color> cornersColor(const gfx::Image& image);
+    // The first corner sample, (1, 1); nothing as above.
+    static std::optional<gfx::Color> getColorOfCornersForImage(const gfx::Image& image);
+    // True when all four samples lie within 0.1 of white; false when there are none.
+    static bool isAllCornerColorToWhite(const gfx::Image& image);
+
+    // True when both colours exist and red, green, blue and alpha each differ by at most max.
+    static bool UIColorCompareWithThreshold(const std::optional<gfx::Color>& color1,
+                                            const std::optional<gfx::Color>& color2, double max);
+    // True when the colour exists and its distance from white,
+    // sqrt((1-r)^2 + (1-g)^2 + (1-b)^2), is at most max.
+    static bool isColorCloseToWhite(const std::optional<gfx::Color>& color, double max);
+
+    // The colour of the pixel at (x, y) (truncated to whole pixels) in ARGB
+    // bytes with rows of `width` pixels; nothing when the pixel lies outside
+    // the bytes or the row.
+    static std::optional<gfx::Color> getColorAtPoint(gfx::Point point, std::span<const std::uint8_t> data,
+                                                     int width);
+    // The picture drawn into a bitmap of its own pixel size; nothing for a null picture.
+    static std::optional<Bitmap> createARGBBitmapContextFromImage2(const gfx::Image& image);
+
+  private:
+    GColor() = default;
+};
+
+} // namespace morvane
