@@ -1,3 +1,5 @@
+#include <morvane/model/List.h>
+#include <morvane/model/Node.h>
 #include <morvane/sys/App.h>
 #include <morvane/sys/Log.h>
 #include <morvane/sys/Settings.h>
@@ -68,6 +70,37 @@ TEST_F(SettingsTest, ValuesSurviveReopeningAndMissingKeysGiveNothing) {
                                                       "deviceTokenSave", "unicode ключ"}));
     EXPECT_TRUE(store.remove("airportCity"));
     EXPECT_EQ(Settings(file).text("airportCity"), std::nullopt);
+}
+
+// NodeTree values come back equal, with flags still flags, and as copies:
+// changing what was read does not change what is stored.
+TEST_F(SettingsTest, NodeTreeValuesRoundTripAsCopies) {
+    auto airports = List::make({Value(Node::make({{"code", Value("BKK")}, {"hub", Value(true)}})),
+                                Value(Node::make({{"code", Value("HND")}, {"gates", Value(114)}}))});
+    auto user =
+        Node::make({{"name", Value("Ana")}, {"visits", Value(List::make({Value(1.5), Value::null()}))}});
+    {
+        Settings store(file);
+        EXPECT_TRUE(store.setValue("airportMutable", Value(airports)));
+        EXPECT_TRUE(store.setValue("usrSignin", Value(user)));
+        EXPECT_TRUE(store.setValue("count", Value(3)));
+        EXPECT_TRUE(store.setValue("flag", Value(false)));
+        Log::Capture log;
+        EXPECT_FALSE(store.setValue("colour", Value::object(42)));
+        EXPECT_EQ(log.texts().size(), 1u);
+    }
+    Settings store(file);
+    Value read = store.value("airportMutable");
+    ASSERT_TRUE(read.isList());
+    EXPECT_EQ(read, Value(airports));
+    EXPECT_EQ(store.value("usrSignin"), Value(user));
+    EXPECT_EQ(store.value("count"), Value(3));
+    EXPECT_TRUE(store.value("flag").isBool());
+    EXPECT_EQ(store.text("usrSignin"), std::nullopt) << "a Node is not a text";
+    EXPECT_TRUE(store.value("colour").isAbsent());
+
+    read.list()->push(Value("extra"));
+    EXPECT_EQ(store.value("airportMutable"), Value(airports));
 }
 
 // A writer killed with SIGKILL in the middle of saving: every save that had
