@@ -1,3 +1,4 @@
+#include <morvane/gfx/Canvas.h>
 #include <morvane/util/GColor.h>
 
 #include <gtest/gtest.h>
@@ -79,13 +80,25 @@ TEST(GColor, samples_are_premultiplied_argb_bytes) {
     Picture clear(3, 3, {255, 255, 255, 0});
     EXPECT_EQ(GColor::cornersColor(clear.image()), Color::clearColor());
     EXPECT_FALSE(GColor::isAllCornerColorToWhite(clear.image()));
+}
 
-    const auto bitmap =
-        GColor::createARGBBitmapContextFromImage2(Picture(2, 1, kBlue).set(1, 0, kRed).image());
+TEST(GColor, bitmaps_are_blank_and_spell_pixels_alpha_first) {
+    const auto picture = Picture(2, 1, kBlue).set(1, 0, kRed).image();
+    auto bitmap = GColor::createARGBBitmapContextFromImage2(picture);
     ASSERT_TRUE(bitmap);
-    EXPECT_EQ(bitmap->width, 2);
-    EXPECT_EQ(bitmap->height, 1);
-    EXPECT_EQ(bitmap->bytes, (std::vector<std::uint8_t>{255, 0, 0, 255, 255, 255, 0, 0}));
+    EXPECT_EQ(bitmap->width(), 2);
+    EXPECT_EQ(bitmap->height(), 1);
+    EXPECT_EQ(bitmap->bytes(), (std::vector<std::uint8_t>(8, 0)));
+    bitmap->canvas().drawImage(picture, morvane::gfx::Rect(0, 0, 2, 1));
+    EXPECT_EQ(bitmap->bytes(), (std::vector<std::uint8_t>{255, 0, 0, 255, 255, 255, 0, 0}));
+
+    // A picture at scale 2 still gets a bitmap of its pixel size.
+    const auto retina = Image::fromPixels(Picture(4, 6, kRed).bytes.data(), 4, 6, 16, PixelFormat::RGBA, 2);
+    bitmap = GColor::createARGBBitmapContextFromImage2(retina);
+    ASSERT_TRUE(bitmap);
+    EXPECT_EQ(bitmap->width(), 4);
+    EXPECT_EQ(bitmap->height(), 6);
+    EXPECT_EQ(GColor::cornersColor(retina), Color(1, 0, 0, 1));
 }
 
 TEST(GColor, pictures_too_small_to_sample_give_nothing) {

@@ -1,3 +1,4 @@
+#include <morvane/gfx/Canvas.h>
 #include <morvane/util/GColor.h>
 
 #include <array>
@@ -9,20 +10,22 @@ namespace {
 
 constexpr double kCornerTolerance = 0.1;
 
-// The four corner samples in their fixed order; nothing when a sample point
-// falls outside the bitmap (pictures under 2 x 2 pixels).
+// The four corner samples in their fixed order; nothing when the picture
+// cannot be drawn or a sample point falls outside it (pictures under 2 x 2).
 std::optional<std::array<gfx::Color, 4>> cornerSamples(const gfx::Image& image) {
-    const auto bitmap = GColor::createARGBBitmapContextFromImage2(image);
+    auto bitmap = GColor::createARGBBitmapContextFromImage2(image);
     if (!bitmap) return std::nullopt;
-    const int w = bitmap->width, h = bitmap->height;
+    const int w = bitmap->width(), h = bitmap->height();
+    bitmap->canvas().drawImage(image, gfx::Rect(0, 0, w, h));
+    const auto bytes = bitmap->bytes();
     const gfx::Point points[4] = {
         {1, 1}, {double(w - 1), 0}, {0, double(h - 1)}, {double(w - 1), double(h - 1)}};
     std::array<gfx::Color, 4> samples;
-    for (int i = 0; i < 4; ++i) {
-        if (points[i].x >= w || points[i].y >= h) return std::nullopt;
-        const auto color = GColor::getColorAtPoint(points[i], bitmap->bytes, w);
+    for (std::size_t i = 0; i < 4; ++i) {
+        if (points[i].y >= h) return std::nullopt;
+        const auto color = GColor::getColorAtPoint(points[i], bytes, w);
         if (!color) return std::nullopt;
-        samples[static_cast<std::size_t>(i)] = *color;
+        samples[i] = *color;
     }
     return samples;
 }
@@ -34,14 +37,34 @@ GColor& GColor::sharedInstance() {
     return instance;
 }
 
-std::optional<GColor::Bitmap> GColor::createARGBBitmapContextFromImage2(const gfx::Image& image) {
-    if (image.isNull() || image.pixelWidth() <= 0 || image.pixelHeight() <= 0) return std::nullopt;
-    // The bitmap has the picture's own pixel size, so drawing it to fill the
-    // bitmap is a straight copy in the bitmap's byte order.
-    Bitmap bitmap{image.pixelWidth(), image.pixelHeight(), image.pixels(gfx::PixelFormat::ARGBPremultiplied)};
-    if (bitmap.bytes.size() !=
-        static_cast<std::size_t>(bitmap.width) * static_cast<std::size_t>(bitmap.height) * 4)
-        return std::nullopt;
+GColor::Bitmap::Bitmap(int width, int height)
+    : width_(width), height_(height),
+      pixels_(static_cast<std::size_t>(width) * static_cast<std::size_t>(height), 0u),
+      canvas_(gfx::Canvas::overPixels(reinterpret_cast<std::uint8_t*>(pixels_.data()), width, height,
+                                      width * 4, 1)) {}
+
+GColor::Bitmap::~Bitmap() = default;
+
+std::vector<std::uint8_t> GColor::Bitmap::bytes() const {
+    // The canvas keeps whole 32-bit words in the machine's byte order; spelling
+    // each word out high byte first gives A, R, G, B on any machine.
+    std::vector<std::uint8_t> out;
+    out.reserve(pixels_.size() * 4);
+    for (const std::uint32_t p : pixels_) {
+        out.push_back(static_cast<std::uint8_t>(p >> 24));
+        out.push_back(static_cast<std::uint8_t>(p >> 16));
+        out.push_back(static_cast<std::uint8_t>(p >> 8));
+        out.push_back(static_cast<std::uint8_t>(p));
+    }
+    return out;
+}
+
+std::unique_ptr<GColor::Bitmap> GColor::createARGBBitmapContextFromImage2(const gfx::Image& image) {
+    if (image.isNull()) return nullptr;
+    const int w = image.pixelWidth(), h = image.pixelHeight();
+    if (w <= 0 || h <= 0 || static_cast<std::int64_t>(w) * h > gfx::Image::kMaxPixels) return nullptr;
+    auto bitmap = std::make_unique<Bitmap>(w, h);
+    if (!bitmap->canvas_) return nullptr;
     return bitmap;
 }
 

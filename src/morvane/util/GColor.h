@@ -15,10 +15,12 @@
 // object and holds no state.
 
 #include <morvane/gfx/Color.h>
+#include <morvane/gfx/Forward.h>
 #include <morvane/gfx/Geometry.h>
 #include <morvane/gfx/Image.h>
 
 #include <cstdint>
+#include <memory>
 #include <optional>
 #include <span>
 #include <vector>
@@ -30,11 +32,27 @@ class GColor {
     // The once-made shared instance (thread-safe).
     static GColor& sharedInstance();
 
-    // A picture drawn into the ARGB bitmap described above.
-    struct Bitmap {
-        int width = 0;
-        int height = 0;
-        std::vector<std::uint8_t> bytes; // height rows of width x 4 bytes
+    // A drawing surface of 8-bit ARGB pixels: draw on its canvas (one point is
+    // one pixel), then read its bytes in the order described above.
+    class Bitmap {
+      public:
+        Bitmap(int width, int height);
+        ~Bitmap();
+        Bitmap(const Bitmap&) = delete;
+        Bitmap& operator=(const Bitmap&) = delete;
+
+        int width() const { return width_; }
+        int height() const { return height_; }
+        gfx::Canvas& canvas() { return *canvas_; }
+        // The pixels as bytes A, R, G, B (premultiplied), height rows of width x 4 bytes.
+        std::vector<std::uint8_t> bytes() const;
+
+      private:
+        friend class GColor;
+        int width_;
+        int height_;
+        std::vector<std::uint32_t> pixels_; // native-order ARGB words, as the canvas draws them
+        std::unique_ptr<gfx::Canvas> canvas_;
     };
 
     // The four corner samples when they agree within 0.1, the clear colour when
@@ -57,8 +75,9 @@ class GColor {
     // the bytes or the row.
     static std::optional<gfx::Color> getColorAtPoint(gfx::Point point, std::span<const std::uint8_t> data,
                                                      int width);
-    // The picture drawn into a bitmap of its own pixel size; nothing for a null picture.
-    static std::optional<Bitmap> createARGBBitmapContextFromImage2(const gfx::Image& image);
+    // A blank (transparent) bitmap of the picture's pixel size, ready to draw
+    // the picture into; nothing for a null picture or one too large to hold.
+    static std::unique_ptr<Bitmap> createARGBBitmapContextFromImage2(const gfx::Image& image);
 
   private:
     GColor() = default;
