@@ -77,7 +77,9 @@ class Node : public std::enable_shared_from_this<Node> {
     //   value (or a text), and a null NodePtr / ListPtr for operations whose
     //   result is always a Node / always a list.
     // - A null NodePtr or ListPtr argument reads as an empty Node or list.
-    // - Texts compare ordinally by UTF-16 code unit (see detail/Text.h);
+    // - Texts compare ordinally by UTF-16 code unit: the UTF-8 texts sort as
+    //   their UTF-16 forms would (byte order differs only between U+E000..
+    //   U+FFFF and the supplementary planes; see detail/Text.h);
     //   "exact" without more is case-sensitive; "case-free" compares the
     //   lowercased texts; "like" means the first text, lowercased, contains the
     //   second, lowercased (an empty second text is in no text).
