@@ -236,10 +236,11 @@ class Node : public std::enable_shared_from_this<Node> {
     // The pulled texts joined by `gap`. Pulled values that are not texts count
     // as not found (so do they in the list case of pullIt).
     std::string pullTxt(const ListPtr& keys, std::string_view gap) const;
-    // Fills the template in place from this Node: a text names a source key, a
-    // text with ":" a path of keys, a list of keys is joined by `gap` (see the
-    // source for the rules). A path part that finds a number is ignored like
-    // one that finds a list.
+    // Fills the template in place from this Node, for each of its keys: a
+    // text names a source key (pulled; a miss or null removes the entry); a
+    // text with ":" is a path whose Nodes scope the next part and whose texts
+    // are stored (a miss removes the entry; a number or list is ignored); a
+    // list of keys becomes the found texts joined by `gap`; other values stay.
     void pullIt(const NodePtr& templ, std::string_view gap) const;
 
     // ---- Purge, remove, clean, clone (NodePurge.cpp, NodeClean.cpp,
