@@ -113,3 +113,13 @@ TEST(GatherPull, pull_it_path_miss_then_hit_sets_the_entry_again) {
     source->pullIt(templ, "");
     EXPECT_EQ(templ->get("t").textOr(), "Paris");
 }
+
+// An empty found text: pullTxt puts the gap only after a non-empty text so
+// far, a template's key list between every two found texts.
+TEST(GatherPull, empty_pulled_texts_and_the_gap) {
+    auto source = node({{"a", ""}, {"b", "B"}, {"sub", node({{"c", "C"}})}});
+    EXPECT_EQ(source->pullTxt(list({"a", "b", "c"}), "|"), "B|C");
+    auto templ = node({{"t", list({"a", "b", "sub"})}});
+    source->pullIt(templ, "|");
+    EXPECT_EQ(templ->get("t").textOr(), "|B"); // a Node pulled counts as not found
+}

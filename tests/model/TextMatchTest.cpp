@@ -41,6 +41,9 @@ TEST(TextMatch, case_free_matching_lowercases_unicode) {
     EXPECT_TRUE(tree->isMatch("ÀLA", "àla", true));
     EXPECT_TRUE(tree->isMatch("Grand Café", "CAFÉ", false));
     EXPECT_FALSE(tree->isMatch("Café", "Cafe", true));
+    // A non-ASCII key can lowercase to ASCII (the Kelvin sign becomes "k").
+    EXPECT_TRUE(tree->isMatch("\u212Aelvin", "kelvin", true));
+    EXPECT_TRUE(tree->isMatch("\u212Aelvin", "KEL", false));
 }
 
 // Catches an empty needle matching everything ("like" finds it in no text).
