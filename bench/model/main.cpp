@@ -10,7 +10,7 @@
 // - the heap bytes each tree holds, counted by this program's own global
 //   operator new/delete (malloc_usable_size of every block, both libraries
 //   alike).
-// Times are the best of several rounds. It ends with one GOAL line per goal;
+// Times are the best of several alternating rounds. It ends with one GOAL line per goal;
 // a goal counts as met only when every file meets it.
 
 #include <morvane/model/Json.h>
@@ -75,12 +75,20 @@ std::string readFile(const std::string& path) {
     return out.str();
 }
 
-// Best time of several rounds in milliseconds; a round repeats the work for at
-// least `roundMs` and counts the mean.
-double bestMs(const std::function<void()>& work, int rounds = 5, double roundMs = 15.0) {
+// Times two ways of doing the same work: rounds of one and of the other
+// alternate, so that a change in the machine's load hits both alike. Each
+// round repeats the work for at least `roundMs`; the result is the best mean
+// round of each, in milliseconds.
+struct Pair {
+    double ours;
+    double theirs;
+    double ratio() const { return theirs / ours; }
+};
+
+Pair timePair(const std::function<void()>& ours, const std::function<void()>& theirs, int rounds = 7,
+              double roundMs = 15.0) {
     using clock = std::chrono::steady_clock;
-    double best = 1e300;
-    for (int round = 0; round < rounds; ++round) {
+    auto round = [roundMs](const std::function<void()>& work) {
         int reps = 0;
         double elapsed = 0;
         const auto start = clock::now();
@@ -89,7 +97,12 @@ double bestMs(const std::function<void()>& work, int rounds = 5, double roundMs 
             ++reps;
             elapsed = std::chrono::duration<double, std::milli>(clock::now() - start).count();
         } while (elapsed < roundMs);
-        best = std::min(best, elapsed / reps);
+        return elapsed / reps;
+    };
+    Pair best{1e300, 1e300};
+    for (int i = 0; i < rounds; ++i) {
+        best.ours = std::min(best.ours, round(ours));
+        best.theirs = std::min(best.theirs, round(theirs));
     }
     return best;
 }
@@ -320,28 +333,25 @@ int main() {
         }
 
         // Reading.
-        const double parseOurs = bestMs([&] { keep(json::parse(text)); });
-        const double parseTheirs = bestMs([&] { keep(njson::parse(text)); });
-        row(sample.file, "parse", parseOurs, parseTheirs, "ms", parseTheirs / parseOurs);
-        parseGoal.add(parseTheirs / parseOurs);
+        const Pair parse = timePair([&] { keep(json::parse(text)); }, [&] { keep(njson::parse(text)); });
+        row(sample.file, "parse", parse.ours, parse.theirs, "ms", parse.ratio());
+        parseGoal.add(parse.ratio());
 
         // A key search that finds nothing walks the whole tree.
         const std::string missing = "noSuchKeyAnywhere";
         if (root->valKey(missing) || searchKeys(doc, missing)) return 1;
-        const double searchOurs = bestMs([&] { keep(root->valKey(missing)); });
-        const double searchTheirs = bestMs([&] { keep(searchKeys(doc, missing)); });
-        row(sample.file, "valKey (miss)", searchOurs, searchTheirs, "ms", searchTheirs / searchOurs);
-        searchGoal.add(searchTheirs / searchOurs);
+        const Pair search =
+            timePair([&] { keep(root->valKey(missing)); }, [&] { keep(searchKeys(doc, missing)); });
+        row(sample.file, "valKey (miss)", search.ours, search.theirs, "ms", search.ratio());
+        searchGoal.add(search.ratio());
 
-        const double changeOurs = bestMs([&] { keep(root->mutableChange()); });
-        const double changeTheirs = bestMs([&] { keep(changeObject(doc)); });
-        row(sample.file, "mutableChange", changeOurs, changeTheirs, "ms", changeTheirs / changeOurs);
-        changeGoal.add(changeTheirs / changeOurs);
+        const Pair change = timePair([&] { keep(root->mutableChange()); }, [&] { keep(changeObject(doc)); });
+        row(sample.file, "mutableChange", change.ours, change.theirs, "ms", change.ratio());
+        changeGoal.add(change.ratio());
 
-        const double copyOurs = bestMs([&] { keep(root->deepCopyDictionary()); });
-        const double copyTheirs = bestMs([&] { keep(copyValue(doc)); });
-        row(sample.file, "deepCopyDictionary", copyOurs, copyTheirs, "ms", copyTheirs / copyOurs);
-        copyGoal.add(copyTheirs / copyOurs);
+        const Pair copy = timePair([&] { keep(root->deepCopyDictionary()); }, [&] { keep(copyValue(doc)); });
+        row(sample.file, "deepCopyDictionary", copy.ours, copy.theirs, "ms", copy.ratio());
+        copyGoal.add(copy.ratio());
 
         // Both gather the same pieces (in another order: nlohmann sorts keys).
         std::string theirGathered;
@@ -350,23 +360,22 @@ int main() {
             std::printf("%s: gathered texts differ\n", sample.file);
             return 1;
         }
-        const double gatherOurs = bestMs([&] { keep(root->gatherTxt(sample.gatherKey, "  ", "\n")); });
-        const double gatherTheirs = bestMs([&] {
-            std::string out;
-            gatherObject(doc, sample.gatherKey, "  ", "\n", out);
-            keep(out);
-        });
-        row(sample.file, "gatherTxt", gatherOurs, gatherTheirs, "ms", gatherTheirs / gatherOurs);
-        gatherGoal.add(gatherTheirs / gatherOurs);
+        const Pair gather = timePair([&] { keep(root->gatherTxt(sample.gatherKey, "  ", "\n")); },
+                                     [&] {
+                                         std::string out;
+                                         gatherObject(doc, sample.gatherKey, "  ", "\n", out);
+                                         keep(out);
+                                     });
+        row(sample.file, "gatherTxt", gather.ours, gather.theirs, "ms", gather.ratio());
+        gatherGoal.add(gather.ratio());
 
         // Purging changes the tree only the first time; the timed rounds walk
         // the purged trees, which is what every later purge costs.
         root->mutablePurge();
         purgeAll(doc);
-        const double purgeOurs = bestMs([&] { root->mutablePurge(); });
-        const double purgeTheirs = bestMs([&] { purgeAll(doc); });
-        row(sample.file, "mutablePurge", purgeOurs, purgeTheirs, "ms", purgeTheirs / purgeOurs);
-        purgeGoal.add(purgeTheirs / purgeOurs);
+        const Pair purge = timePair([&] { root->mutablePurge(); }, [&] { purgeAll(doc); });
+        row(sample.file, "mutablePurge", purge.ours, purge.theirs, "ms", purge.ratio());
+        purgeGoal.add(purge.ratio());
 
         row(sample.file, "memory", treeBytes / 1048576.0, domBytes / 1048576.0, "MB",
             static_cast<double>(treeBytes) / static_cast<double>(domBytes));

@@ -254,3 +254,65 @@ TEST(Json, sample_documents_survive_a_round_trip) {
         EXPECT_TRUE(json::parse(text, lenient) == first.value) << name;
     }
 }
+
+TEST(Json, both_readers_agree_on_mangled_text) {
+    // Strict text normally goes to the fast reader; a depth limit beyond its
+    // reach sends it to the other one. Whatever the bytes, both must accept
+    // the same texts and build the same trees.
+    json::ReadOptions viaFast;
+    json::ReadOptions viaOther;
+    viaOther.maxDepth = 5000;
+    const std::string base =
+        R"({"a":[1,-2.5e3,true,null,{"b":"\u00e9\u20ac\ud83d\ude00"}],"c":"x\ty","d":{}})";
+    const std::string noise[] = {"\xEF\xBB\xBF",
+                                 ",",
+                                 "]",
+                                 "}",
+                                 "\"",
+                                 "\\",
+                                 "\\u",
+                                 "\xC3",
+                                 "\xFF",
+                                 "0",
+                                 "-",
+                                 "e",
+                                 ".",
+                                 " ",
+                                 "\n",
+                                 "\x01",
+                                 "tru",
+                                 "{\"a\":1}",
+                                 "1e999",
+                                 "99999999999999999999"};
+    std::uint32_t seed = 12345;
+    auto random = [&seed](std::uint32_t bound) {
+        seed = seed * 1664525u + 1013904223u;
+        return (seed >> 8) % bound;
+    };
+    int accepted = 0;
+    for (int round = 0; round < 3000; ++round) {
+        std::string text = base;
+        for (int edits = 1 + random(3); edits > 0; --edits) {
+            const std::size_t at = random(static_cast<std::uint32_t>(text.size() + 1));
+            switch (random(3)) {
+            case 0:
+                text.insert(at, noise[random(std::size(noise))]);
+                break;
+            case 1:
+                if (at < text.size()) text.erase(at, 1 + random(3));
+                break;
+            default:
+                if (at < text.size()) text[at] = noise[random(std::size(noise))][0];
+            }
+        }
+        const auto fast = json::read(text, viaFast);
+        const auto other = json::read(text, viaOther);
+        ASSERT_EQ(static_cast<bool>(fast), static_cast<bool>(other)) << text;
+        if (fast) {
+            ++accepted;
+            ASSERT_TRUE(fast.value == other.value) << text;
+            ASSERT_EQ(json::write(fast.value), json::write(other.value)) << text;
+        }
+    }
+    EXPECT_GT(accepted, 100); // the mangling leaves enough valid texts to compare
+}

@@ -41,7 +41,9 @@ enum class Containers : std::uint8_t {
 struct ReadOptions {
     Syntax syntax = Syntax::Strict;
     Containers containers = Containers::Mutable;
-    // Containers may nest this deep (the root container is level 1).
+    // Containers may nest this deep (the root container is level 1). The
+    // tree operations walk recursively and are made safe for this default;
+    // a caller that raises it takes on deeper recursion in those walks.
     std::size_t maxDepth = 512;
 };
 

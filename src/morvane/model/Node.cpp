@@ -1,5 +1,6 @@
 #include <morvane/model/Node.h>
 
+#include <algorithm>
 #include <bit>
 #include <functional>
 
@@ -25,7 +26,7 @@ std::size_t Node::indexOf(std::string_view key) const {
             if (entries_[i].first == key) return i;
         return npos;
     }
-    const std::size_t mask = index_.size() - 1;
+    const std::size_t mask = indexSize_ - 1;
     for (std::size_t slot = hashKey(key) & mask;; slot = (slot + 1) & mask) {
         const std::uint32_t stored = index_[slot];
         if (stored == 0) return npos;
@@ -35,18 +36,20 @@ std::size_t Node::indexOf(std::string_view key) const {
 
 void Node::rebuildIndex() {
     if (entries_.size() < kIndexThreshold) {
-        index_.clear();
+        index_.reset();
+        indexSize_ = 0;
         return;
     }
     // Twice the entries, rounded up to a power of two, keeps probes short.
     const std::size_t capacity = std::bit_ceil(std::max<std::size_t>(entries_.size() * 2, 32));
-    index_.assign(capacity, 0);
+    index_ = std::make_unique<std::uint32_t[]>(capacity); // zeroed: every slot free
+    indexSize_ = static_cast<std::uint32_t>(capacity);
     for (std::size_t i = 0; i < entries_.size(); ++i)
         indexInsert(i);
 }
 
 void Node::indexInsert(std::size_t position) {
-    const std::size_t mask = index_.size() - 1;
+    const std::size_t mask = indexSize_ - 1;
     std::size_t slot = hashKey(entries_[position].first) & mask;
     while (index_[slot] != 0)
         slot = (slot + 1) & mask;
@@ -76,7 +79,7 @@ bool Node::set(std::string_view key, Value value) {
 void Node::appendUnchecked(std::string key, Value value) {
     entries_.emplace_back(std::move(key), std::move(value));
     if (entries_.size() < kIndexThreshold) return;
-    if (entries_.size() * 2 > index_.size()) {
+    if (entries_.size() * 2 > indexSize_) {
         rebuildIndex(); // grows the table; amortised like the vector itself
         return;
     }
@@ -96,7 +99,8 @@ bool Node::remove(std::string_view key) {
 void Node::clear() {
     if (readOnly_) return;
     entries_.clear();
-    index_.clear();
+    index_.reset();
+    indexSize_ = 0;
 }
 
 void Node::reserve(std::size_t count) {
@@ -114,7 +118,11 @@ std::vector<std::string> Node::keys() const {
 NodePtr Node::shallowCopy() const {
     auto copy = Node::make();
     copy->entries_ = entries_;
-    copy->index_ = index_;
+    if (indexSize_ != 0) {
+        copy->index_ = std::make_unique_for_overwrite<std::uint32_t[]>(indexSize_);
+        std::copy_n(index_.get(), indexSize_, copy->index_.get());
+        copy->indexSize_ = indexSize_;
+    }
     return copy;
 }
 

@@ -287,7 +287,10 @@ class Node : public std::enable_shared_from_this<Node> {
     // Open-addressing table of entry positions + 1 (0 marks a free slot);
     // empty while the Node is small. Kept up to date by every change, so that
     // reading a Node never writes to it.
-    std::vector<std::uint32_t> index_;
+    // (A bare array and its size, not a vector: every Node of a tree pays
+    // for these bytes, and most Nodes never have an index.)
+    std::unique_ptr<std::uint32_t[]> index_;
+    std::uint32_t indexSize_ = 0;
     bool readOnly_ = false;
 };
 

@@ -8,6 +8,7 @@
 
 #include <morvane/model/Forward.h>
 
+#include <atomic>
 #include <cstdint>
 #include <memory>
 #include <string>
@@ -130,25 +131,39 @@ class Value {
     // A text lives on the heap so that a Value stays three words long: most
     // values of a tree are numbers, Nodes and lists, and walks and memory
     // pay for every byte of every value.
+    // A text lives on the heap behind one pointer, so a Value stays three
+    // words. Texts never change once made, so copies share the same block
+    // (a reference count, no allocation): deep copies of a tree only build
+    // new containers.
     class TextBox {
       public:
-        explicit TextBox(std::string text) : text_(new std::string(std::move(text))) {}
-        TextBox(const TextBox& other) : text_(new std::string(other.get())) {}
-        TextBox(TextBox&& other) noexcept : text_(std::exchange(other.text_, nullptr)) {}
-        TextBox& operator=(const TextBox& other) {
-            if (this != &other) *this = TextBox(other);
+        explicit TextBox(std::string text) : block_(new Block{1, std::move(text)}) {}
+        TextBox(const TextBox& other) noexcept : block_(other.block_) { retain(); }
+        TextBox(TextBox&& other) noexcept : block_(std::exchange(other.block_, nullptr)) {}
+        TextBox& operator=(const TextBox& other) noexcept {
+            TextBox copy(other);
+            std::swap(block_, copy.block_);
             return *this;
         }
         TextBox& operator=(TextBox&& other) noexcept {
-            std::swap(text_, other.text_);
+            std::swap(block_, other.block_);
             return *this;
         }
-        ~TextBox() { delete text_; }
-        // A moved-from box reads as the empty text.
-        const std::string& get() const { return text_ ? *text_ : kNoText; }
+        ~TextBox() { release(); }
+        const std::string& get() const { return block_ ? block_->text : kNoText; }
 
       private:
-        std::string* text_;
+        struct Block {
+            std::atomic<std::uint32_t> references;
+            std::string text;
+        };
+        void retain() noexcept {
+            if (block_) block_->references.fetch_add(1, std::memory_order_relaxed);
+        }
+        void release() noexcept {
+            if (block_ && block_->references.fetch_sub(1, std::memory_order_acq_rel) == 1) delete block_;
+        }
+        Block* block_;
     };
 
     static inline const std::string kNoText;
