@@ -8,7 +8,7 @@ endfunction()
 # test by test. Extra libraries can be linked by the caller afterwards.
 function(morvane_test name)
   add_executable(${name} ${ARGN})
-  target_link_libraries(${name} PRIVATE Morvane::morvane GTest::gtest GTest::gmock GTest::gtest_main)
+  target_link_libraries(${name} PRIVATE Morvane::morvane morvane_test_support GTest::gtest GTest::gmock GTest::gtest_main)
   morvane_warnings(${name})
   target_compile_definitions(${name} PRIVATE
     MORVANE_SOURCE_DIR="${PROJECT_SOURCE_DIR}"
