@@ -77,7 +77,9 @@ class Node : public std::enable_shared_from_this<Node> {
     //   value (or a text), and a null NodePtr / ListPtr for operations whose
     //   result is always a Node / always a list.
     // - A null NodePtr or ListPtr argument reads as an empty Node or list.
-    // - Texts compare ordinally by UTF-16 code unit (see detail/Text.h);
+    // - Texts compare ordinally by UTF-16 code unit: the UTF-8 texts sort as
+    //   their UTF-16 forms would (byte order differs only between U+E000..
+    //   U+FFFF and the supplementary planes; see detail/Text.h);
     //   "exact" without more is case-sensitive; "case-free" compares the
     //   lowercased texts; "like" means the first text, lowercased, contains the
     //   second, lowercased (an empty second text is in no text).
@@ -234,10 +236,11 @@ class Node : public std::enable_shared_from_this<Node> {
     // The pulled texts joined by `gap`. Pulled values that are not texts count
     // as not found (so do they in the list case of pullIt).
     std::string pullTxt(const ListPtr& keys, std::string_view gap) const;
-    // Fills the template in place from this Node: a text names a source key, a
-    // text with ":" a path of keys, a list of keys is joined by `gap` (see the
-    // source for the rules). A path part that finds a number is ignored like
-    // one that finds a list.
+    // Fills the template in place from this Node, for each of its keys: a
+    // text names a source key (pulled; a miss or null removes the entry); a
+    // text with ":" is a path whose Nodes scope the next part and whose texts
+    // are stored (a miss removes the entry; a number or list is ignored); a
+    // list of keys becomes the found texts joined by `gap`; other values stay.
     void pullIt(const NodePtr& templ, std::string_view gap) const;
 
     // ---- Purge, remove, clean, clone (NodePurge.cpp, NodeClean.cpp,

@@ -92,8 +92,8 @@ void Node::pullIt(const NodePtr& templ, std::string_view gap) const {
     if (!templ) return;
     // A snapshot of the keys: the template changes while it is walked.
     for (const std::string& key : templ->keys()) {
-        const Value spec = templ->get(key);
-        if (const std::string* name = spec.text()) {
+        const Value wanted = templ->get(key);
+        if (const std::string* name = wanted.text()) {
             if (name->find(':') == std::string::npos) {
                 const Value* found = pullFromNode(*this, *name);
                 if (!found || found->isNull())
@@ -118,7 +118,7 @@ void Node::pullIt(const NodePtr& templ, std::string_view gap) const {
                     templ->set(key, *found);
                 }
             }
-        } else if (const ListPtr& keys = spec.list()) {
+        } else if (const ListPtr& keys = wanted.list()) {
             templ->set(key, Value(joinPulled(*this, *keys, gap, Gap::BetweenFoundTexts)));
         }
     }
