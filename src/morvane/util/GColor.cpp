@@ -63,7 +63,7 @@ std::unique_ptr<GColor::Bitmap> GColor::createARGBBitmapContextFromImage2(const 
     if (image.isNull()) return nullptr;
     const int w = image.pixelWidth(), h = image.pixelHeight();
     if (w <= 0 || h <= 0 || static_cast<std::int64_t>(w) * h > gfx::Image::kMaxPixels) return nullptr;
-    auto bitmap = std::make_unique<Bitmap>(w, h);
+    std::unique_ptr<Bitmap> bitmap(new Bitmap(w, h));
     if (!bitmap->canvas_) return nullptr;
     return bitmap;
 }

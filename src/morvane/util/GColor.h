@@ -36,7 +36,6 @@ class GColor {
     // one pixel), then read its bytes in the order described above.
     class Bitmap {
       public:
-        Bitmap(int width, int height);
         ~Bitmap();
         Bitmap(const Bitmap&) = delete;
         Bitmap& operator=(const Bitmap&) = delete;
@@ -49,6 +48,8 @@ class GColor {
 
       private:
         friend class GColor;
+        // Made only by createARGBBitmapContextFromImage2, which checks the size.
+        Bitmap(int width, int height);
         int width_;
         int height_;
         std::vector<std::uint32_t> pixels_; // native-order ARGB words, as the canvas draws them

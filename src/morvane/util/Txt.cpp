@@ -11,8 +11,6 @@
 #include <unicode/uchar.h>
 
 #include <algorithm>
-#include <cinttypes>
-#include <cstdio>
 #include <memory>
 
 namespace morvane {
@@ -22,8 +20,6 @@ namespace {
 using detail::toUtf16;
 using detail::toUtf8;
 using icu::UnicodeString;
-
-constexpr const char* kRealtimeBaseKey = "realtimeDatabaseURL";
 
 // The pieces of a text between non-overlapping separators, scanning from the
 // start (so "aaa" split by "aa" is "", "a"). An empty separator leaves one piece.
@@ -103,11 +99,18 @@ UnicodeString withoutParen(const UnicodeString& text) {
         sys::Log::platform("Error creating regular expression: " + pattern.second);
         return text;
     }
+    // No match can end after the last ")", so the tail is left out of the
+    // search: a long run of "(" without a ")" would otherwise cost a scan to
+    // the end from every one of them.
+    const int32_t last = text.lastIndexOf(u')');
+    if (last < 0) return text;
+    const UnicodeString head(text, 0, last + 1);
     UErrorCode status = U_ZERO_ERROR;
-    std::unique_ptr<icu::RegexMatcher> matcher(pattern.first->matcher(text, status));
+    std::unique_ptr<icu::RegexMatcher> matcher(pattern.first->matcher(head, status));
     if (U_FAILURE(status)) return text;
     UnicodeString out = matcher->replaceAll(UnicodeString(), status);
-    return U_FAILURE(status) ? text : out;
+    if (U_FAILURE(status)) return text;
+    return out.append(text, last + 1, text.length() - last - 1);
 }
 
 // The last piece of a label after "-": "2-Tokyo (Haneda)" gives "Tokyo (Haneda)".

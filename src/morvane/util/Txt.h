@@ -43,6 +43,8 @@ class Txt {
     // The realtime-database base address, "/" and the text. The address is the
     // application's setting (see setRealtimeBase); "" while none is set.
     static std::string attachURL(std::string_view text);
+    // The settings key that holds the base address.
+    static constexpr std::string_view kRealtimeBaseKey = "realtimeDatabaseURL";
     // Stores the realtime-database base address in the application's settings;
     // trailing "/" characters are dropped so that attachURL joins with one "/".
     static void setRealtimeBase(std::string_view url);
