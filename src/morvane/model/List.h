@@ -10,6 +10,8 @@
 #include <cstddef>
 #include <initializer_list>
 #include <memory>
+#include <string>
+#include <string_view>
 #include <vector>
 
 namespace morvane {
@@ -56,7 +58,126 @@ class List : public std::enable_shared_from_this<List> {
     ListPtr shallowCopy() const;
     bool equals(const List& other) const;
 
+    // =========================================================================
+    // The list-hosted NodeTree operations; the conventions of Node.h hold
+    // ("nothing" is the absent Value, or a null NodePtr / ListPtr where the
+    // result is always a Node / list; null arguments read as empty; texts
+    // compare by UTF-16 code unit). A record is a Node element; an element
+    // that is not a Node has no fields (its field values read as absent, their
+    // text form as ""). In-place changes leave a read-only list unchanged.
+    // =========================================================================
+
+    // ---- Search (ListSearch.cpp) -------------------------------------------
+
+    // Node::searchContent of `node`, run by the list.
+    NodePtr contentsearch(const NodePtr& node, std::string_view field, std::string_view c) const;
+    // contentsearch of each Node element, nested lists in turn; first hit.
+    NodePtr arraySearch(std::string_view field, std::string_view c) const;
+
+    // ---- Gathering (ListGather.cpp) ----------------------------------------
+    // As Node::gatherTxt, except that a Node's own value under `k` comes first,
+    // before the pieces of its nested Nodes and lists.
+
+    std::string gatherText(const NodePtr& node, std::string_view k, std::string_view front,
+                           std::string_view back) const;
+    std::string gatherArrayText(std::string_view k, std::string_view front, std::string_view back) const;
+    double gatherFloat(const NodePtr& node, std::string_view k) const;
+    double gatherArrayFloat(std::string_view k) const;
+
+    // ---- Record lists: find, count, remove (ListRecords.cpp) ---------------
+    // These scan from the last record to the first: the first hit is the one
+    // with the highest index.
+
+    // True if some record holds the text `v` under `f`.
+    bool containsObj(std::string_view f, std::string_view v) const;
+    NodePtr findObj(std::string_view f, std::string_view v) const;
+    // The last record whose `f` text is like `v`.
+    NodePtr findObjContains(std::string_view f, std::string_view v) const;
+    // Highest index whose record holds `v` under `f`; -1 if none.
+    long findIdx(std::string_view f, std::string_view v) const;
+    void removeObj(std::string_view f, std::string_view v);
+    // Removes the matching records except those holding `w` under `k`.
+    void removeObj(std::string_view f, std::string_view v, std::string_view k, std::string_view w);
+    // Number of distinct values (value equality) under `f`.
+    long countItem(std::string_view f) const;
+    // 1 if some record holds `v` under `f`, else 0.
+    long countItem(std::string_view f, std::string_view v) const;
+    // Appends every element of `list` (shared, not copied).
+    void copyAll(const ListPtr& list);
+    // Node of the records that have `f`, each copied without `f`, under the
+    // key "%c%02d-%@": the character 65 + i ('A' for index 0; past 'Z' the
+    // code point runs on and is written in UTF-8), i in two digits, and
+    // splitString of the text form of `f` with "-". Records without `f`
+    // still count for i.
+    NodePtr toDictionary(std::string_view f) const;
+    // The part after the first separator (as Node::splitBy); the text itself
+    // when it holds no separator.
+    std::string splitString(std::string_view text, std::string_view separator) const;
+    // The current local time as "HHmmsss": hours, minutes and the seconds in
+    // three digits (date-pattern letters: "sss" pads the seconds to three).
+    std::string getDate() const;
+
+    // ---- Record lists: join and find (ListJoin.cpp) ------------------------
+    // These scan from the first record to the last.
+
+    bool dataExist(std::string_view f, std::string_view v) const;
+    NodePtr findData(std::string_view f, std::string_view v) const;
+    // The first record that agrees with `t` on every listed field (both lack
+    // it or both hold equal values); the first record for an empty list.
+    NodePtr find(const NodePtr& t, const ListPtr& fields) const;
+    // Removes every record whose `f` text contains `text` (case-sensitive;
+    // an empty text is in no text).
+    void removeFlds(std::string_view f, std::string_view text);
+    // The compact choice text. The first argument is not read. A listed
+    // field that a record lacks (or holds as a Node or list) contributes
+    // nothing, not even its ":"; numbers contribute their decimal text.
+    std::string combineTextWith(const Value& ignored, std::string_view f) const;
+    std::string combineTextWith(const Value& ignored, const ListPtr& fields) const;
+    std::string combineTextWith(const Value& ignored, std::string_view k, std::string_view w,
+                                const ListPtr& fields) const;
+    // Labels of the choice texts under `f`: the part before the first ":" of
+    // every ","-separated entry; empty entries are skipped.
+    ListPtr getAlreadyUsed(std::string_view f) const;
+
+    // ---- Record lists: sort (ListSort.cpp) ---------------------------------
+    // The exchange sorts compare position i with every later j and swap when
+    // out of order; their order of equal values is their own. The insertion
+    // sort keeps equal values in list order.
+
+    // In place, by the text form of `f`.
+    void sort(std::string_view f, bool ascend);
+    // Sorted copy; a record that moves to the later position of a swap is a
+    // shallow copy.
+    ListPtr sortTemp(std::string_view f, bool ascend) const;
+    // Texts (elements by their text form), in place; returns this list.
+    ListPtr sortText(bool ascend);
+    ListPtr sortTextTemp(bool ascend) const;
+    // New list, stable insertion sort by the text form of `f`, ascending.
+    ListPtr sortArray(std::string_view f) const;
+    // Insertion indexes as Node::findIdx and Node::findTextInArray.
+    long findIdx(const Value& value, std::string_view f, bool ascend) const;
+    long findText(std::string_view text, bool ascend) const;
+
+    // ---- Booking samples (ListBooking.cpp) ----------------------------------
+    // The sample records of a shuttle booking that the item-price selector
+    // reads: four Nodes with "title", "alias" and "list", each kept as a JSON
+    // object text. The texts carry a comma after their last member, so
+    // defaultDict reads them with the lenient reader.
+
+    // A new list of the four sample records, in the order of the texts below.
+    static ListPtr bookData();
+    // The mutable Node read from an object text (a trailing comma allowed);
+    // nullptr when the text is not a JSON object.
+    static NodePtr defaultDict(std::string_view text);
+    static std::string myDate1();
+    static std::string myDeparture();
+    static std::string myBellingham();
+    static std::string mySeaTac();
+
   private:
+    // The shared list, or a shallow copy when nobody shares this list.
+    ListPtr self() const;
+
     std::vector<Value> items_;
     bool readOnly_ = false;
 };

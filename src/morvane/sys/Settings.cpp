@@ -1,5 +1,6 @@
 #include <morvane/sys/Settings.h>
 
+#include <morvane/model/Json.h>
 #include <morvane/sys/App.h>
 #include <morvane/sys/Files.h>
 #include <morvane/sys/Log.h>
@@ -56,11 +57,12 @@ struct Settings::Impl {
         sqlite3_extended_result_codes(db, 1);
         sqlite3_busy_timeout(db, 5000);
         // Write-ahead logging: a commit appends to the log, so a writer killed
-        // mid-save leaves the database as of its last commit. NORMAL syncs at
-        // checkpoints: commits survive the process dying at any point; only a
-        // power cut can lose the last ones, never corrupt the store.
+        // mid-save leaves the database as of its last commit. FULL flushes the
+        // log at every commit, so a save that returned survives a power cut
+        // too; in WAL mode that is one flush per save, cheap enough for
+        // settings.
         if ((code = exec("PRAGMA journal_mode=WAL")) != SQLITE_OK) return code;
-        if ((code = exec("PRAGMA synchronous=NORMAL")) != SQLITE_OK) return code;
+        if ((code = exec("PRAGMA synchronous=FULL")) != SQLITE_OK) return code;
         Statement check;
         code = sqlite3_prepare_v2(db, "PRAGMA quick_check", -1, &check.handle, nullptr);
         if (code != SQLITE_OK) return code;
@@ -174,12 +176,13 @@ struct Settings::Impl {
 };
 
 std::shared_ptr<Settings> Settings::standard() {
-    static std::mutex mutex;
-    static std::shared_ptr<Settings> store;
+    // Never destroyed: other threads may still save while the program exits.
+    static auto* mutex = new std::mutex;
+    static auto* store = new std::shared_ptr<Settings>;
     fs::path file = App::dataFolder() / "Settings.sqlite";
-    std::lock_guard lock(mutex);
-    if (!store || store->file() != file) store = std::make_shared<Settings>(file);
-    return store;
+    std::lock_guard lock(*mutex);
+    if (!*store || (*store)->file() != file) *store = std::make_shared<Settings>(file);
+    return *store;
 }
 
 Settings::Settings(fs::path file) : impl_(std::make_unique<Impl>()) {
@@ -201,8 +204,12 @@ bool Settings::setText(std::string_view key, std::string_view text) {
 bool Settings::setValue(std::string_view key, const Value& value) {
     if (value.isAbsent()) return remove(key);
     if (const std::string* text = value.text()) return setText(key, *text);
-    Log::platform("Cannot save the setting \"" + std::string(key) + "\": only texts can be stored");
-    return false;
+    if (value.isObject()) {
+        // A colour or a callback has no stored form; storing it would silently lose it.
+        Log::platform("Cannot save the setting \"" + std::string(key) + "\": the value cannot be stored");
+        return false;
+    }
+    return impl_->save(key, kJson, json::write(value));
 }
 
 bool Settings::remove(std::string_view key) {
@@ -229,7 +236,10 @@ Value Settings::value(std::string_view key) const {
     auto stored = impl_->load(key);
     if (!stored) return {};
     if (stored->kind == kText) return Value(std::move(stored->data));
-    return {};
+    auto result = json::read(stored->data);
+    if (!result)
+        Log::platform("The setting \"" + std::string(key) + "\" cannot be read: " + result.error->describe());
+    return result.value;
 }
 
 std::vector<std::string> Settings::keys() const {

@@ -1,0 +1,86 @@
+// Conversion copies: a mutable NodeTree from any tree, plain (mutableChange)
+// or with every text-holding Node stamped with its path (mutableKey).
+
+#include <morvane/model/List.h>
+#include <morvane/model/Node.h>
+
+#include <string>
+
+namespace morvane {
+
+NodePtr Node::mutableKey(std::string_view path) const {
+    NodePtr result = Node::make();
+    result->reserve(entries_.size());
+    for (const auto& [key, value] : entries_) {
+        if (const NodePtr& child = value.node()) {
+            std::string childPath(path);
+            childPath += '/';
+            childPath += key;
+            NodePtr copy = child->mutableKey(childPath);
+            if (child->containsTxt()) copy->set("key", Value(std::move(childPath)));
+            result->appendUnchecked(key, Value(std::move(copy)));
+        } else if (value.isList()) {
+            std::string childPath(path);
+            childPath += '/';
+            childPath += key;
+            result->appendUnchecked(key, Value(mutableArrayChange(value.list(), childPath)));
+        } else if (value.isText()) {
+            result->appendUnchecked(key, value);
+        }
+    }
+    return result;
+}
+
+ListPtr Node::mutableArrayChange(const ListPtr& list, std::string_view path) const {
+    ListPtr result = List::make();
+    if (!list) return result;
+    result->items().reserve(list->size());
+    long index = 0;
+    for (const Value& element : list->items()) {
+        if (const NodePtr& node = element.node()) {
+            // Nested Nodes of an element take the list's path, not the indexed
+            // one: only the element itself is named by its position.
+            NodePtr copy = node->mutableKey(path);
+            if (node->containsTxt())
+                copy->set("key", Value(std::string(path) + "[" + std::to_string(index) + "]"));
+            result->push(Value(std::move(copy)));
+        } else if (element.isList()) {
+            result->push(Value(mutableArrayChange(element.list(), path)));
+        } else if (element.isText()) {
+            result->push(element);
+        }
+        ++index;
+    }
+    return result;
+}
+
+NodePtr Node::mutableChange() const {
+    NodePtr result = Node::make();
+    result->reserve(entries_.size());
+    for (const auto& [key, value] : entries_) {
+        if (value.isNode())
+            result->appendUnchecked(key, Value(value.node()->mutableChange()));
+        else if (value.isList())
+            result->appendUnchecked(key, Value(mutableArrayChange(value.list())));
+        else if (value.isText())
+            result->appendUnchecked(key, value);
+    }
+    return result;
+}
+
+ListPtr Node::mutableArrayChange(const ListPtr& list) const {
+    ListPtr result = List::make();
+    if (!list) return result;
+    result->items().reserve(list->size());
+    for (const Value& element : list->items()) {
+        if (element.isNode())
+            result->push(Value(element.node()->mutableChange()));
+        else if (element.isList())
+            result->push(Value(mutableArrayChange(element.list())));
+        else if (element.isText())
+            result->push(element);
+    }
+    return result;
+}
+
+} // namespace morvane

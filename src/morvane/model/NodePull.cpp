@@ -1,0 +1,122 @@
+// Pulling: values looked up by exact key anywhere in a tree, and template
+// Nodes filled from them, so a component can be handed a flat record built
+// from a deep tree.
+
+#include <morvane/model/List.h>
+#include <morvane/model/Node.h>
+#include <morvane/model/detail/Text.h>
+
+namespace morvane {
+
+namespace {
+
+const Value* pullFromList(const List& list, std::string_view key);
+
+const Value* pullFromNode(const Node& node, std::string_view key) {
+    if (const Value& own = node.get(key); !own.isAbsent()) return &own;
+    for (const auto& [entryKey, value] : node) {
+        const Value* found = nullptr;
+        if (const NodePtr& nested = value.node())
+            found = pullFromNode(*nested, key);
+        else if (const ListPtr& list = value.list())
+            found = pullFromList(*list, key);
+        if (found) return found;
+    }
+    return nullptr;
+}
+
+const Value* pullFromList(const List& list, std::string_view key) {
+    for (const Value& element : list) {
+        const Value* found = nullptr;
+        if (const NodePtr& nested = element.node())
+            found = pullFromNode(*nested, key);
+        else if (const ListPtr& inner = element.list())
+            found = pullFromList(*inner, key);
+        if (found) return found;
+    }
+    return nullptr;
+}
+
+// The pulled texts of `keys` joined by `gap`; values that are not texts
+// count as not found.
+std::string joinPulled(const Node& source, const List& keys, std::string_view gap) {
+    std::string out;
+    for (const Value& key : keys) {
+        const std::string* name = key.text();
+        if (!name) continue;
+        const Value* found = pullFromNode(source, *name);
+        const std::string* text = found ? found->text() : nullptr;
+        if (!text) continue;
+        if (!out.empty()) out += gap;
+        out += *text;
+    }
+    return out;
+}
+
+} // namespace
+
+Value Node::peek(const ListPtr& keys) const {
+    if (!keys || keys->empty()) return Value(self());
+    const Node* current = this;
+    const Value* reached = nullptr;
+    for (const Value& key : *keys) {
+        if (!current) return {}; // stepped through something that is not a Node
+        reached = &current->get(key.toText());
+        if (reached->isAbsent()) return {};
+        current = reached->node().get();
+    }
+    return *reached;
+}
+
+Value Node::pullDict(std::string_view k) const {
+    const Value* found = pullFromNode(*this, k);
+    return found ? *found : Value();
+}
+
+Value Node::pullArray(const ListPtr& list, std::string_view k) const {
+    if (!list) return {};
+    const Value* found = pullFromList(*list, k);
+    return found ? *found : Value();
+}
+
+std::string Node::pullTxt(const ListPtr& keys, std::string_view gap) const {
+    return keys ? joinPulled(*this, *keys, gap) : std::string();
+}
+
+void Node::pullIt(const NodePtr& templ, std::string_view gap) const {
+    if (!templ) return;
+    // A snapshot of the keys: the template changes while it is walked.
+    for (const std::string& key : templ->keys()) {
+        const Value spec = templ->get(key);
+        if (const std::string* name = spec.text()) {
+            if (name->find(':') == std::string::npos) {
+                const Value* found = pullFromNode(*this, *name);
+                if (!found || found->isNull())
+                    templ->remove(key);
+                else
+                    templ->set(key, *found);
+                continue;
+            }
+            // A path "hotel:address:city": each Node found becomes the scope
+            // of the next part; a text found is stored; a miss removes the
+            // entry and the next part is looked up in the same scope.
+            const Node* scope = this;
+            NodePtr scopeHolder; // keeps a scope alive if the template drops it
+            for (std::string_view part : detail::splitText(*name, ":")) {
+                const Value* found = pullFromNode(*scope, part);
+                if (!found || found->isNull()) {
+                    templ->remove(key);
+                } else if (const NodePtr& nested = found->node()) {
+                    scopeHolder = nested;
+                    scope = scopeHolder.get();
+                } else if (found->isText()) {
+                    templ->set(key, *found);
+                }
+            }
+        } else if (const ListPtr& keys = spec.list()) {
+            templ->set(key, Value(joinPulled(*this, *keys, gap)));
+        }
+    }
+}
+
+} // namespace morvane

@@ -1,0 +1,190 @@
+// Search by content: Nodes whose field is like a text (searchContent) or
+// equals it (searchNodeFld); and the listing of keys like a text
+// (txtLikeList, txtLikeKey).
+
+#include <morvane/model/List.h>
+#include <morvane/model/Node.h>
+#include <morvane/model/detail/Text.h>
+
+namespace morvane {
+
+namespace {
+
+// ---- Content search ----------------------------------------------------------
+
+struct ContentQuery {
+    std::string_view field;
+    std::string lowered;
+
+    // The field is read as a text: a Node, list or number there is no hit.
+    bool holds(const Node& node) const {
+        const std::string* text = node.get(field).text();
+        return text && detail::likeLowered(*text, lowered);
+    }
+};
+
+NodePtr contentInList(const List& list, const ContentQuery& query);
+
+NodePtr contentInChildren(const Node& node, const ContentQuery& query) {
+    for (const auto& [key, value] : node) {
+        if (const NodePtr& nested = value.node()) {
+            if (query.holds(*nested)) return nested;
+            if (NodePtr found = contentInChildren(*nested, query)) return found;
+        } else if (const ListPtr& list = value.list()) {
+            if (NodePtr found = contentInList(*list, query)) return found;
+        }
+    }
+    return nullptr;
+}
+
+NodePtr contentInList(const List& list, const ContentQuery& query) {
+    for (const Value& element : list) {
+        if (const NodePtr& nested = element.node()) {
+            if (query.holds(*nested)) return nested;
+            if (NodePtr found = contentInChildren(*nested, query)) return found;
+        } else if (const ListPtr& inner = element.list()) {
+            if (NodePtr found = contentInList(*inner, query)) return found;
+        }
+    }
+    return nullptr;
+}
+
+// ---- Field search ------------------------------------------------------------
+
+struct FieldQuery {
+    std::string_view field;
+    std::string_view value;
+
+    bool holds(const Node& node) const {
+        const std::string* text = node.get(field).text();
+        return text && *text == value;
+    }
+};
+
+NodePtr fieldInList(const List& list, const FieldQuery& query);
+
+// The second pass of the field search over a Node whose own field missed.
+NodePtr fieldInChildren(const Node& node, const FieldQuery& query) {
+    for (const auto& [key, value] : node) {
+        if (const NodePtr& nested = value.node()) {
+            // A Node hanging under the field's name is a hit, whatever it holds.
+            if (key == query.field) return nested;
+            if (query.holds(*nested)) return nested;
+            if (NodePtr found = fieldInChildren(*nested, query)) return found;
+        } else if (const ListPtr& list = value.list()) {
+            if (NodePtr found = fieldInList(*list, query)) return found;
+        }
+    }
+    return nullptr;
+}
+
+NodePtr fieldInList(const List& list, const FieldQuery& query) {
+    for (const Value& element : list) {
+        if (const NodePtr& nested = element.node()) {
+            if (query.holds(*nested)) return nested;
+            if (NodePtr found = fieldInChildren(*nested, query)) return found;
+        } else if (const ListPtr& inner = element.list()) {
+            if (NodePtr found = fieldInList(*inner, query)) return found;
+        }
+    }
+    return nullptr;
+}
+
+// ---- Key listing -------------------------------------------------------------
+
+void listLikeKeys(const Node& node, std::string_view lowered, std::vector<Value>& hits) {
+    for (const auto& [key, value] : node) {
+        if (value.isText()) {
+            if (detail::likeLowered(key, lowered))
+                hits.emplace_back(Node::make({{"key", Value(key)}, {"val", value}}));
+        } else if (const NodePtr& nested = value.node()) {
+            listLikeKeys(*nested, lowered, hits);
+        }
+    }
+}
+
+std::string hitKey(const Value& hit) {
+    const NodePtr& node = hit.node();
+    return node ? node->get("key").toText() : std::string();
+}
+
+} // namespace
+
+NodePtr Node::searchContent(std::string_view field, std::string_view c) const {
+    const ContentQuery query{field, detail::lowercase(c)};
+    if (query.holds(*this)) return self();
+    return contentInChildren(*this, query);
+}
+
+NodePtr Node::searchArrayContent(const ListPtr& list, std::string_view field, std::string_view c) const {
+    if (!list) return nullptr;
+    return contentInList(*list, ContentQuery{field, detail::lowercase(c)});
+}
+
+NodePtr Node::searchNodeFld(std::string_view field, std::string_view v) const {
+    const FieldQuery query{field, v};
+    if (query.holds(*this)) return self();
+    return fieldInChildren(*this, query);
+}
+
+NodePtr Node::searchNodeFldArray(const ListPtr& list, std::string_view field, std::string_view v) const {
+    if (!list) return nullptr;
+    return fieldInList(*list, FieldQuery{field, v});
+}
+
+ListPtr Node::txtLikeList(std::string_view t) const {
+    std::vector<Value> hits;
+    listLikeKeys(*this, detail::lowercase(t), hits);
+    return List::make(std::move(hits));
+}
+
+ListPtr Node::sortArray(const ListPtr& hits) const {
+    if (!hits || hits->size() < 2 || hits->isReadOnly()) return hits;
+    auto& items = hits->items();
+    for (std::size_t i = 0; i + 1 < items.size(); ++i) {
+        for (std::size_t j = i + 1; j < items.size(); ++j)
+            if (detail::compareText(hitKey(items[j]), hitKey(items[i])) < 0) std::swap(items[i], items[j]);
+    }
+    return hits;
+}
+
+std::string Node::txtLikeKey(std::string_view t, const ListPtr& except) const {
+    std::vector<std::string> excluded;
+    if (except)
+        for (const Value& text : *except)
+            if (text.isText()) excluded.push_back(detail::lowercase(*text.text()));
+    ListPtr hits = sortArray(txtLikeList(t));
+    std::string out;
+    for (const Value& hit : *hits) {
+        const std::string key = hitKey(hit);
+        const std::string loweredKey = detail::lowercase(key);
+        bool skip = false;
+        for (const std::string& word : excluded)
+            if (detail::containsText(loweredKey, word)) skip = true;
+        if (skip) continue;
+        // Keys are "prefix-label"; a key without "-" is listed whole.
+        const Value label = splitBy(key, "-");
+        out += label ? *label.text() : key;
+        out += ": ";
+        out += hit.node()->get("val").toText();
+        out += '\n';
+    }
+    return out;
+}
+
+Value Node::splitBy(std::string_view s, std::string_view d) const {
+    const auto pieces = detail::splitText(s, d);
+    if (pieces.size() < 2) return {};
+    std::string result;
+    for (std::size_t i = 1; i < pieces.size(); ++i) {
+        if (!result.empty()) {
+            result += d;
+            result += pieces[i];
+        } else {
+            result = pieces[i];
+        }
+    }
+    return Value(std::move(result));
+}
+
+} // namespace morvane

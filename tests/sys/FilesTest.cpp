@@ -1,0 +1,179 @@
+#include <morvane/sys/Clock.h>
+#include <morvane/sys/Files.h>
+#include <morvane/sys/RunLoop.h>
+
+#include <gtest/gtest.h>
+
+#include <chrono>
+#include <csignal>
+#include <filesystem>
+#include <fstream>
+#include <string>
+#include <sys/wait.h>
+#include <thread>
+#include <unistd.h>
+
+using namespace morvane::sys;
+namespace fs = std::filesystem;
+
+namespace {
+
+class FilesTest : public ::testing::Test {
+  protected:
+    void SetUp() override {
+        folder =
+            fs::temp_directory_path() / ("morvane-files-" + std::to_string(getpid()) + "-" +
+                                         ::testing::UnitTest::GetInstance()->current_test_info()->name());
+        fs::remove_all(folder);
+        ASSERT_TRUE(Files::createFolder(folder));
+    }
+    void TearDown() override {
+        Clock::useReal();
+        fs::remove_all(folder);
+    }
+    std::vector<std::string> names(const fs::path& where) {
+        std::vector<std::string> result;
+        for (auto& entry : fs::directory_iterator(where))
+            result.push_back(entry.path().filename().string());
+        std::sort(result.begin(), result.end());
+        return result;
+    }
+    fs::path folder;
+};
+
+} // namespace
+
+TEST_F(FilesTest, WritesReplaceWholeFilesAndLeaveNoTemporaries) {
+    std::string bytes("\x89PNG\0\r\n\x1a\0\0binary", 16);
+    fs::path file = folder / "picture.png";
+    ASSERT_TRUE(Files::write(file, bytes));
+    EXPECT_EQ(Files::read(file), bytes);
+    ASSERT_TRUE(Files::write(file, std::string_view("short")));
+    EXPECT_EQ(Files::read(file), "short");
+    EXPECT_EQ(names(folder), std::vector<std::string>{"picture.png"});
+
+    // Failures say why and leave nothing behind.
+    std::string error;
+    EXPECT_FALSE(Files::write(folder / "missing" / "x.png", std::string_view("x"), &error));
+    EXPECT_NE(error.find("missing"), std::string::npos);
+    EXPECT_FALSE(Files::write(folder / "", std::string_view("x")));
+    EXPECT_FALSE(Files::read(folder / "nothing"));
+    EXPECT_FALSE(Files::read(folder)) << "a folder is not a file";
+    EXPECT_EQ(names(folder), std::vector<std::string>{"picture.png"});
+}
+
+// A writer killed at any moment leaves the previous file or the new one,
+// whole: never a mixture or a truncated file under the real name.
+TEST_F(FilesTest, AKilledWriterNeverLeavesAPartialFile) {
+    fs::path file = folder / "cache.jpg";
+    const std::string a(1 << 20, 'a'), b(1 << 20, 'b');
+    ASSERT_TRUE(Files::write(file, a));
+    for (int round = 0; round < 5; ++round) {
+        pid_t child = fork();
+        ASSERT_GE(child, 0);
+        if (child == 0) {
+            for (int i = 0;; ++i)
+                Files::write(file, i % 2 ? a : b);
+        }
+        std::this_thread::sleep_for(std::chrono::milliseconds(20 + 13 * round));
+        kill(child, SIGKILL);
+        waitpid(child, nullptr, 0);
+        auto contents = Files::read(file);
+        ASSERT_TRUE(contents);
+        EXPECT_TRUE(*contents == a || *contents == b)
+            << "round " << round << ": " << contents->size() << " bytes";
+    }
+}
+
+TEST_F(FilesTest, CreateFolderMakesIntermediatesAndRefusesFiles) {
+    EXPECT_TRUE(Files::createFolder(folder / "img" / "images" / "food"));
+    EXPECT_TRUE(Files::isFolder(folder / "img" / "images"));
+    EXPECT_TRUE(Files::createFolder(folder / "img")) << "an existing folder is fine";
+    ASSERT_TRUE(Files::write(folder / "plain", std::string_view("x")));
+    EXPECT_FALSE(Files::createFolder(folder / "plain"));
+    EXPECT_FALSE(Files::createFolder(folder / "plain" / "below"));
+    EXPECT_FALSE(Files::createFolder(""));
+}
+
+// Creation dates come from the kit's clock at the moment of writing, so a test
+// on the manual clock can age files; the modification date is free for the
+// picture cache's own stamp and does not disturb the creation date.
+TEST_F(FilesTest, CreationDateIsTheMomentOfWritingOnTheKitsClock) {
+    const Date start = 1577836800; // 2020-01-01
+    Clock::useManual(start);
+    fs::path file = folder / "a.png";
+    ASSERT_TRUE(Files::write(file, std::string_view("one")));
+    ASSERT_TRUE(Files::creationDate(file));
+    EXPECT_NEAR(*Files::creationDate(file), start, 1e-3);
+
+    const Date stamp = 631155661; // 1990-01-01T01:01:01
+    ASSERT_TRUE(Files::setModificationDate(file, stamp + 0.25));
+    EXPECT_NEAR(*Files::modificationDate(file), stamp + 0.25, 1e-6);
+    EXPECT_NEAR(*Files::creationDate(file), start, 1e-3);
+
+    RunLoop::main().advance(10 * 86400);
+    ASSERT_TRUE(Files::write(file, std::string_view("two")));
+    EXPECT_NEAR(*Files::creationDate(file), start + 10 * 86400, 1e-3) << "a rewrite is a new file";
+
+    EXPECT_FALSE(Files::creationDate(folder / "missing"));
+    EXPECT_FALSE(Files::modificationDate(folder / "missing"));
+    EXPECT_FALSE(Files::setModificationDate(folder / "missing", stamp));
+}
+
+TEST_F(FilesTest, FilesWrittenByOthersUseTheFileSystemsDates) {
+    fs::path file = folder / "foreign.txt";
+    std::ofstream(file) << "written elsewhere";
+    Date now = Clock::date();
+    ASSERT_TRUE(Files::creationDate(file));
+    EXPECT_NEAR(*Files::creationDate(file), now, 5);
+    Files::setModificationDate(file, 1000);
+    EXPECT_NEAR(*Files::creationDate(file), now, 5) << "birth time, where recorded, ignores the stamp";
+}
+
+TEST_F(FilesTest, WalkIsDepthFirstAndDoesNotFollowLinks) {
+    Files::createFolder(folder / "img" / "b");
+    Files::createFolder(folder / "img" / "a");
+    Files::createFolder(folder / "outside");
+    Files::write(folder / "img" / "a" / "1.png", std::string_view("1"));
+    Files::write(folder / "img" / "b" / "2.png", std::string_view("2"));
+    Files::write(folder / "img" / "top.png", std::string_view("t"));
+    Files::write(folder / "outside" / "secret", std::string_view("s"));
+    fs::create_directory_symlink(folder / "outside", folder / "img" / "link");
+
+    std::vector<std::string> seen;
+    for (const auto& entry : Files::walk(folder / "img"))
+        seen.push_back(entry.path.lexically_relative(folder).string() + (entry.isFolder ? "/" : ""));
+    EXPECT_EQ(seen, (std::vector<std::string>{"img/a/", "img/a/1.png", "img/b/", "img/b/2.png", "img/link",
+                                              "img/top.png"}));
+    EXPECT_TRUE(Files::walk(folder / "missing").empty());
+
+    // Removing the link removes the link only.
+    std::string error;
+    EXPECT_TRUE(Files::remove(folder / "img" / "link", &error));
+    EXPECT_TRUE(Files::exists(folder / "outside" / "secret"));
+    EXPECT_FALSE(Files::remove(folder / "img" / "link", &error));
+    EXPECT_FALSE(error.empty());
+    EXPECT_FALSE(Files::remove(folder / "img" / "a")) << "a folder with contents stays";
+}
+
+TEST_F(FilesTest, WalkSurvivesADeepTree) {
+    fs::path deep = folder;
+    for (int i = 0; i < 1000; ++i)
+        deep /= "d";
+    ASSERT_TRUE(Files::createFolder(deep));
+    Files::write(deep / "leaf", std::string_view("x"));
+    auto entries = Files::walk(folder);
+    ASSERT_EQ(entries.size(), 1001u);
+    EXPECT_EQ(entries.back().path, deep / "leaf");
+}
+
+TEST_F(FilesTest, IsInsideSeesThroughLinksAndDots) {
+    Files::createFolder(folder / "docs" / "img");
+    Files::createFolder(folder / "elsewhere");
+    fs::create_directory_symlink(folder / "elsewhere", folder / "docs" / "img" / "escape");
+    EXPECT_TRUE(Files::isInside(folder / "docs" / "img" / "new.png", folder / "docs"));
+    EXPECT_TRUE(Files::isInside(folder / "docs" / "not" / "yet" / "there.png", folder / "docs"));
+    EXPECT_FALSE(Files::isInside(folder / "docs" / ".." / "elsewhere" / "x", folder / "docs"));
+    EXPECT_FALSE(Files::isInside(folder / "docs" / "img" / "escape" / "x", folder / "docs"));
+    EXPECT_FALSE(Files::isInside(folder / "docsx" / "x", folder / "docs"));
+}
