@@ -80,16 +80,24 @@ void Renderer::drawView(View& view, gfx::Canvas& canvas, double now) {
         canvas.setAlpha(state.alpha);
 
     if (dissolve) {
+        // A true cross-fade: the old look at 1 - t and the new at t are added,
+        // so an opaque view stays opaque all the way through.
         double t = dissolve->progress(now);
         canvas.beginTransparencyLayer();
-        drawBody(view, canvas, state.bounds, now);
-        canvas.endTransparencyLayer(t);
         const gfx::Image& oldLook = view.animations_->oldLook;
         if (oldLook) {
             auto inner = canvas.saved();
             canvas.setAlpha(1 - t);
             canvas.drawImage(oldLook, gfx::Rect{0, 0, width, height});
         }
+        {
+            auto inner = canvas.saved();
+            canvas.setBlendMode(gfx::BlendMode::PlusLighter);
+            canvas.beginTransparencyLayer();
+            drawBody(view, canvas, state.bounds, now);
+            canvas.endTransparencyLayer(t);
+        }
+        canvas.endTransparencyLayer(1);
     } else {
         drawBody(view, canvas, state.bounds, now);
     }
