@@ -40,8 +40,11 @@ gfx::Image Renderer::imageOf(View& view, double scale) {
     if (bounds.isEmpty()) return {};
     gfx::ImageContext context(bounds.size(), gfx::Opacity::Transparent, scale);
     if (!context.isValid()) return {};
-    Renderer renderer;
-    renderer.drawBody(view, context.canvas(), bounds, sys::Clock::now());
+    {
+        Renderer renderer;
+        auto saved = context.canvas().saved();
+        renderer.drawBody(view, context.canvas(), bounds, sys::Clock::now());
+    }
     return context.takeImage();
 }
 
@@ -94,10 +97,16 @@ void Renderer::drawView(View& view, gfx::Canvas& canvas, double now) {
             auto inner = canvas.saved();
             canvas.setBlendMode(gfx::BlendMode::PlusLighter);
             canvas.beginTransparencyLayer();
+            canvas.save();
             drawBody(view, canvas, state.bounds, now);
+            canvas.restore();
             canvas.endTransparencyLayer(t);
         }
         canvas.endTransparencyLayer(1);
+    } else if (group) {
+        canvas.save();
+        drawBody(view, canvas, state.bounds, now);
+        canvas.restore();
     } else {
         drawBody(view, canvas, state.bounds, now);
     }
@@ -105,13 +114,16 @@ void Renderer::drawView(View& view, gfx::Canvas& canvas, double now) {
     if (group) canvas.endTransparencyLayer(state.alpha);
 }
 
+// Draws the view in its frame-local space. The caller saves and restores the
+// canvas state around it: clips and translations made here are not undone,
+// which saves two state copies per view (the border lies inside the rounded
+// bounds, so the content clip does not cut it).
 void Renderer::drawBody(View& view, gfx::Canvas& canvas, const gfx::Rect& bounds, double now) {
     ++viewsDrawn_;
     const Layer& layer = view.layer();
     gfx::Rect local{0, 0, bounds.width, bounds.height};
     double radius = std::max(0.0, layer.cornerRadius());
 
-    auto saved = canvas.saved();
     if (layer.mask()) canvas.clipToRoundedRect(layer.mask()->frame, layer.mask()->cornerRadius);
     // Masking to bounds cuts the shadow off too, as on the platform.
     if (!layer.masksToBounds() && layer.shadow().isVisible())
@@ -124,24 +136,25 @@ void Renderer::drawBody(View& view, gfx::Canvas& canvas, const gfx::Rect& bounds
             canvas.fillRect(local, background);
     }
 
-    {
-        auto content = canvas.saved();
-        if (layer.masksToBounds()) {
-            if (radius > 0)
-                canvas.clipToRoundedRect(local, radius);
-            else
-                canvas.clipToRect(local);
-        }
-        gfx::Point shift = layer.sublayerTranslation();
-        canvas.translate(shift.x - bounds.x, shift.y - bounds.y);
-        view.draw(canvas, bounds);
-        // Index loop with a held child: a misbehaving draw() may change the tree.
-        const auto& children = view.subviews();
-        for (std::size_t i = 0; i < children.size(); ++i) {
-            auto child = children[i];
-            drawView(*child, canvas, now);
-        }
+    if (layer.masksToBounds()) {
+        if (radius > 0)
+            canvas.clipToRoundedRect(local, radius);
+        else
+            canvas.clipToRect(local);
     }
+    gfx::Point shift = layer.sublayerTranslation();
+    double dx = shift.x - bounds.x;
+    double dy = shift.y - bounds.y;
+    bool moved = dx != 0 || dy != 0;
+    if (moved) canvas.translate(dx, dy);
+    view.draw(canvas, bounds);
+    // Index loop with a held child: a misbehaving draw() may change the tree.
+    const auto& children = view.subviews();
+    for (std::size_t i = 0; i < children.size(); ++i) {
+        auto child = children[i];
+        drawView(*child, canvas, now);
+    }
+    if (moved) canvas.translate(-dx, -dy);
 
     double border = layer.borderWidth();
     if (border > 0 && layer.borderColor().alpha > 0) {
