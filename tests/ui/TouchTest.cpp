@@ -120,7 +120,7 @@ TEST(Touches, TapRecognizerFiresOnTapsCancelsTheTouchAndLeavesControlsAlone) {
     host.root()->addSubview(card);
     int taps = 0, presses = 0;
     gfx::Point where;
-    card->addGestureRecognizer(TapGestureRecognizer::create([&](TapGestureRecognizer& r) {
+    card->addGestureRecognizer(TapGestureRecognizer::create([&](GestureRecognizer& r) {
         ++taps;
         where = r.locationIn(r.view());
     }));
@@ -143,6 +143,61 @@ TEST(Touches, TapRecognizerFiresOnTapsCancelsTheTouchAndLeavesControlsAlone) {
     host.tap({50, 130}); // on the button
     EXPECT_EQ(presses, 1);
     EXPECT_EQ(taps, 1);
+}
+
+// A drag recogniser of the kind a scroll view uses: it claims the touch once
+// the finger has moved far enough.
+class DragRecognizer : public GestureRecognizer {
+  public:
+    std::vector<State> steps;
+
+  protected:
+    void touchBegan(const Touch& touch) override { start_ = touch.windowLocation(); }
+    void touchMoved(const Touch& touch) override {
+        if (state() == State::Possible && touch.windowLocation().distanceTo(start_) < 10) return;
+        setState(state() == State::Possible ? State::Began : State::Changed);
+        steps.push_back(state());
+    }
+    void touchEnded(const Touch&) override {
+        setState(state() == State::Possible ? State::Failed : State::Ended);
+        if (state() == State::Ended) steps.push_back(state());
+    }
+
+  private:
+    gfx::Point start_;
+};
+
+TEST(Touches, ADragRecognizerTakesOverATouchThatBeganOnAButton) {
+    HeadlessHost host;
+    auto list = makeView({0, 0, 390, 600});
+    auto button = std::make_shared<Button>(gfx::Rect{20, 20, 200, 60});
+    list->addSubview(button);
+    host.root()->addSubview(list);
+    auto drag = std::make_shared<DragRecognizer>();
+    int actions = 0;
+    drag->addTarget([&](GestureRecognizer&) { ++actions; });
+    list->addGestureRecognizer(drag);
+    std::vector<std::string> events;
+    button->addAction(ControlEvent::TouchUpInside, [&](Control&) { events.push_back("inside"); });
+    button->addAction(ControlEvent::TouchCancel, [&](Control&) { events.push_back("cancel"); });
+
+    host.touchDown({100, 50});
+    host.touchMove({100, 55}); // within the slop: still the button's
+    EXPECT_TRUE(button->isHighlighted());
+    host.touchMove({100, 90});
+    host.touchMove({100, 150});
+    host.touchUp({100, 150});
+    EXPECT_EQ(events, (std::vector<std::string>{"cancel"}));
+    EXPECT_EQ(drag->steps, (std::vector<GestureRecognizer::State>{GestureRecognizer::State::Began,
+                                                                  GestureRecognizer::State::Changed,
+                                                                  GestureRecognizer::State::Ended}));
+    EXPECT_EQ(actions, 3);
+    EXPECT_FALSE(button->isHighlighted());
+
+    // A touch that stays put is the button's press; the drag recogniser fails quietly.
+    host.tap({100, 50});
+    EXPECT_EQ(events, (std::vector<std::string>{"cancel", "inside"}));
+    EXPECT_EQ(actions, 3);
 }
 
 TEST(Touches, CallbacksThatRemoveAndDropViewsMidDispatchDoNotCrash) {
@@ -177,7 +232,7 @@ TEST(Touches, CallbacksThatRemoveAndDropViewsMidDispatchDoNotCrash) {
     auto tappable = makeView({0, 0, 100, 100});
     host.root()->addSubview(tappable);
     std::weak_ptr<View> tappableWatch = tappable;
-    tappable->addGestureRecognizer(TapGestureRecognizer::create([](TapGestureRecognizer& r) {
+    tappable->addGestureRecognizer(TapGestureRecognizer::create([](GestureRecognizer& r) {
         if (r.view()) r.view()->removeFromSuperview();
     }));
     tappable.reset();

@@ -13,8 +13,8 @@
 #include <morvane/sys/Clock.h>
 #include <morvane/sys/Log.h>
 #include <morvane/sys/Queue.h>
+#include <morvane/ui/GestureRecognizer.h>
 #include <morvane/ui/Renderer.h>
-#include <morvane/ui/TapGestureRecognizer.h>
 #include <morvane/ui/Window.h>
 #include <morvane/ui/detail/Animator.h>
 
@@ -397,7 +397,7 @@ View* View::hitTest(gfx::Point point) {
     return this;
 }
 
-void View::addGestureRecognizer(std::shared_ptr<TapGestureRecognizer> recognizer) {
+void View::addGestureRecognizer(std::shared_ptr<GestureRecognizer> recognizer) {
     if (!recognizer) return;
     if (recognizer->view_ && recognizer->view_ != this)
         recognizer->view_->removeGestureRecognizer(recognizer.get());
@@ -406,7 +406,7 @@ void View::addGestureRecognizer(std::shared_ptr<TapGestureRecognizer> recognizer
     gestureRecognizers_.push_back(std::move(recognizer));
 }
 
-void View::removeGestureRecognizer(const TapGestureRecognizer* recognizer) {
+void View::removeGestureRecognizer(const GestureRecognizer* recognizer) {
     auto it = std::find_if(gestureRecognizers_.begin(), gestureRecognizers_.end(),
                            [&](auto& r) { return r.get() == recognizer; });
     if (it == gestureRecognizers_.end()) return;

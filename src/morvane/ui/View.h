@@ -146,9 +146,9 @@ class View : public std::enable_shared_from_this<View> {
     virtual View* hitTest(gfx::Point point);
     virtual bool pointInside(gfx::Point point) const;
 
-    void addGestureRecognizer(std::shared_ptr<TapGestureRecognizer> recognizer);
-    void removeGestureRecognizer(const TapGestureRecognizer* recognizer);
-    const std::vector<std::shared_ptr<TapGestureRecognizer>>& gestureRecognizers() const {
+    void addGestureRecognizer(std::shared_ptr<GestureRecognizer> recognizer);
+    void removeGestureRecognizer(const GestureRecognizer* recognizer);
+    const std::vector<std::shared_ptr<GestureRecognizer>>& gestureRecognizers() const {
         return gestureRecognizers_;
     }
 
@@ -243,7 +243,7 @@ class View : public std::enable_shared_from_this<View> {
     Layer layer_;
     View* superview_ = nullptr;
     std::vector<std::shared_ptr<View>> subviews_;
-    std::vector<std::shared_ptr<TapGestureRecognizer>> gestureRecognizers_;
+    std::vector<std::shared_ptr<GestureRecognizer>> gestureRecognizers_;
     std::unique_ptr<detail::ViewAnimations> animations_;
 
   protected:
