@@ -14,6 +14,8 @@
 
 #include <gtest/gtest.h>
 
+#include <cmath>
+
 namespace morvane::ui {
 namespace {
 
@@ -110,7 +112,17 @@ TEST(Render, DrawingRulesHoldPixelByPixel) {
     parent->setFrame({90, 90, -80, -80});
     EXPECT_TRUE(color(20, 20).isClose(white, 0.01));
     EXPECT_TRUE(color(50, 50).isClose(white, 0.01));
+    // A view placed at not-a-number or squashed flat draws nothing and spoils nothing else.
+    auto broken = box({std::nan(""), 0, 50, 50}, gfx::Color::greenColor());
+    auto flat = box({0, 0, 50, 50}, gfx::Color::greenColor());
+    flat->setTransform(gfx::Transform::scale(0, 1));
+    host.root()->insertSubview(broken, 0);
+    host.root()->insertSubview(flat, 0);
     parent->setFrame({10, 10, 80, 80});
+    EXPECT_TRUE(color(60, 60).isClose(gfx::Color::redColor(), 0.01));
+    EXPECT_TRUE(color(5, 5).isClose(white, 0.01));
+    broken->removeFromSuperview();
+    flat->removeFromSuperview();
     parent->layer().setBorderWidth(0);
 
     // A scrolled bounds origin and a sublayer shift move the children only.

@@ -7,6 +7,7 @@
 #include <morvane/ui/detail/Animator.h>
 
 #include <algorithm>
+#include <cmath>
 
 namespace morvane::ui {
 
@@ -21,6 +22,16 @@ gfx::Rect shadowExtent(const gfx::Rect& shape, const gfx::Shadow& shadow) {
     return shape.offsetBy(shadow.offset.width, shadow.offset.height).insetBy(-blur, -blur);
 }
 
+// A position or transform that is not a finite number would put the whole
+// canvas into an error state; such a view is skipped instead.
+bool isDrawable(const PresentationState& s) {
+    const gfx::Transform& t = s.transform;
+    for (double v : {s.center.x, s.center.y, s.bounds.x, s.bounds.y, s.bounds.width, s.bounds.height, t.a,
+                     t.b, t.c, t.d, t.tx, t.ty})
+        if (!std::isfinite(v)) return false;
+    return t.inverted().has_value();
+}
+
 } // namespace
 
 void Renderer::render(View& root, gfx::Canvas& canvas) {
@@ -29,7 +40,7 @@ void Renderer::render(View& root, gfx::Canvas& canvas) {
     ++framesRendered_;
     double now = sys::Clock::now();
     auto state = root.presentation();
-    if (root.isHidden() || state.bounds.isEmpty()) return;
+    if (root.isHidden() || state.bounds.isEmpty() || !isDrawable(state)) return;
     auto saved = canvas.saved();
     drawBody(root, canvas, state.bounds, now);
 }
@@ -51,7 +62,7 @@ gfx::Image Renderer::imageOf(View& view, double scale) {
 void Renderer::drawView(View& view, gfx::Canvas& canvas, double now) {
     if (view.isHidden()) return;
     auto state = view.presentation();
-    if (state.alpha < kInvisibleAlpha || state.bounds.isEmpty()) return;
+    if (state.alpha < kInvisibleAlpha || state.bounds.isEmpty() || !isDrawable(state)) return;
     double width = state.bounds.width;
     double height = state.bounds.height;
     const Layer& layer = view.layer();

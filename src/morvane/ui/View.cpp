@@ -75,10 +75,9 @@ gfx::Rect View::frame() const {
 void View::setFrame(const gfx::Rect& frame) {
     // With a transform in place the frame is ambiguous; like the platform, the
     // frame's centre and size are taken as the new centre and bounds size.
-    gfx::Rect r = frame.standardized();
-    if (frame.width < 0 || frame.height < 0) r = frame; // keep negative sizes: drawn as nothing
+    // A negative size is kept as given: such a view is drawn as nothing.
     setCenter({frame.x + frame.width / 2, frame.y + frame.height / 2});
-    setBounds({bounds_.x, bounds_.y, r.width, r.height});
+    setBounds({bounds_.x, bounds_.y, frame.width, frame.height});
 }
 
 void View::setBounds(const gfx::Rect& bounds) {
