@@ -14,6 +14,7 @@
 #include <chrono>
 #include <cstdio>
 #include <cstdlib>
+#include <ctime>
 #include <random>
 #include <string>
 #include <vector>
@@ -105,6 +106,12 @@ double median(std::vector<double> values) {
 
 using SteadyClock = std::chrono::steady_clock;
 
+double threadCpuSeconds() {
+    timespec t{};
+    clock_gettime(CLOCK_THREAD_CPUTIME_ID, &t);
+    return static_cast<double>(t.tv_sec) + static_cast<double>(t.tv_nsec) * 1e-9;
+}
+
 double secondsSince(SteadyClock::time_point start) {
     return std::chrono::duration<double>(SteadyClock::now() - start).count();
 }
@@ -126,6 +133,7 @@ int main() {
     gfx::ImageContext context({390, 844}, gfx::Opacity::Opaque, 3);
     ui::Renderer renderer;
     std::vector<double> frames;
+    std::vector<double> cpuFrames;
     for (int i = 0; i < 60; ++i) {
         // Every row lays out again, as after a rotation or a data change.
         for (auto& row : rows) {
@@ -134,14 +142,21 @@ int main() {
                 cell->setNeedsLayout();
         }
         auto start = SteadyClock::now();
+        double cpuStart = threadCpuSeconds();
         // No separate clear: the window's opaque background covers every pixel.
         renderer.render(*window, context.canvas());
         frames.push_back(secondsSince(start) * 1000);
+        cpuFrames.push_back((threadCpuSeconds() - cpuStart) * 1000);
     }
-    frames.erase(frames.begin(), frames.begin() + 5); // warm-up: font caches, shadow masks
+    // Warm-up: font caches, shadow masks.
+    frames.erase(frames.begin(), frames.begin() + 5);
+    cpuFrames.erase(cpuFrames.begin(), cpuFrames.begin() + 5);
     double frameMs = median(frames);
-    std::printf("layout and draw at scale 3: median %.3f ms, views drawn %d\n", frameMs,
-                renderer.viewsDrawn());
+    // The processor time of the drawing thread, for comparison when other
+    // programs share the machine (the goal is judged on the wall-clock time).
+    std::printf(
+        "layout and draw at scale 3: median %.3f ms wall clock, %.3f ms processor time, views drawn %d\n",
+        frameMs, median(cpuFrames), renderer.viewsDrawn());
 
     // ---- Hit testing ------------------------------------------------------
     std::mt19937 random(7);

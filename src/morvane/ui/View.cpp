@@ -83,14 +83,12 @@ void View::setFrame(const gfx::Rect& frame) {
 void View::setBounds(const gfx::Rect& bounds) {
     if (bounds == bounds_) return;
     auto from = presentation();
-    bool sizeChanged = bounds.size() != bounds_.size();
+    gfx::Rect old = bounds_;
     bounds_ = bounds;
     animateProperty(detail::kBounds, &from);
-    if (sizeChanged) {
-        setNeedsLayout();
-        boundsSizeChanged();
-    }
+    if (old.size() != bounds.size()) setNeedsLayout();
     changed();
+    boundsChanged(old);
 }
 
 void View::setCenter(gfx::Point center) {

@@ -209,8 +209,9 @@ class View : public std::enable_shared_from_this<View> {
     // Told after the view moved to another superview or window (may be null).
     virtual void didMoveToSuperview() {}
     virtual void didMoveToWindow() {}
-    // Told when the bounds size changed.
-    virtual void boundsSizeChanged() {}
+    // Told after the bounds changed (origin or size). A size change has
+    // already asked for layout; a scroll view also lays out when its origin moves.
+    virtual void boundsChanged(const gfx::Rect& oldBounds) { (void)oldBounds; }
 
   private:
     friend class Layer;
