@@ -68,9 +68,13 @@ void Renderer::drawView(View& view, gfx::Canvas& canvas, double now) {
     const Layer& layer = view.layer();
 
     auto saved = canvas.saved();
-    canvas.translate(state.center.x, state.center.y);
-    if (!state.transform.isIdentity()) canvas.concat(state.transform);
-    canvas.translate(-width / 2, -height / 2);
+    if (state.transform.isIdentity()) {
+        canvas.translate(state.center.x - width / 2, state.center.y - height / 2);
+    } else {
+        canvas.translate(state.center.x, state.center.y);
+        canvas.concat(state.transform);
+        canvas.translate(-width / 2, -height / 2);
+    }
 
     // Off-screen views are skipped when nothing of them can reach the screen:
     // their children are clipped to them, or they have none.
