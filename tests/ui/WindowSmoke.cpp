@@ -8,6 +8,7 @@
 #include <morvane/ui/Window.h>
 #include <morvane/ui/WindowHost.h>
 
+#include <cstdint>
 #include <cstdio>
 
 using namespace morvane;
@@ -35,17 +36,23 @@ int main() {
     button->addAction(ui::ControlEvent::TouchUpInside, [&](ui::Control&) { ++pressed; });
 
     ui::View::animate(0.2, [&] { button->setCenter({100, 200}); });
-    // Work posted from another thread wakes the loop and closes the window.
-    bool posted = false;
+    // Then a click, which must show (the pressed look comes and goes), and
+    // work posted from another thread wakes the loop and closes the window.
+    enum class Step { Animating, Clicked, Closing } step = Step::Animating;
+    std::uint64_t framesAtClick = 0;
     double start = sys::Clock::now();
     while (host.runOnce(0.05)) {
-        if (!posted && sys::Clock::now() - start > 0.4) {
-            posted = true;
+        double elapsed = sys::Clock::now() - start;
+        if (step == Step::Animating && elapsed > 0.4 && host.framesDrawn() > 0) {
+            step = Step::Clicked;
+            framesAtClick = host.framesDrawn();
             host.root()->sendTouchDown({100, 200});
             host.root()->sendTouchUp({100, 200});
+        } else if (step == Step::Clicked && host.framesDrawn() > framesAtClick) {
+            step = Step::Closing;
             sys::Queue::global().async([&host] { sys::Queue::main().async([&host] { host.close(); }); });
         }
-        if (sys::Clock::now() - start > 10) {
+        if (elapsed > 20) {
             std::fprintf(stderr, "timed out\n");
             return 3;
         }
