@@ -103,5 +103,5 @@ TEST(TestCard, layout_is_the_same_at_every_scale) {
     morvane::testing::expectImageMatches(one, "tests/gfx/snapshots/test_card@1x.png", 0.01);
     // Downsampling blurs edges differently from drawing at scale 1: allow
     // soft edges, but not a shifted text or shape.
-    morvane::testing::expectImageMatches(reduced, "tests/gfx/snapshots/test_card@1x.png", 0.05, 0.3);
+    EXPECT_TRUE(morvane::testing::imagesMatch(reduced, one, 0.05, 0.3));
 }

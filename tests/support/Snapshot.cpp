@@ -44,6 +44,25 @@ gfx::Image differenceImage(const std::vector<std::uint8_t>& actual, const std::v
                                   gfx::PixelFormat::RGBA);
 }
 
+// The share of pixels where any channel differs by more than the tolerance;
+// the images have the same pixel size.
+double differingShare(const gfx::Image& actual, const gfx::Image& expected, double channelTolerance,
+                      std::size_t& differing) {
+    auto actualPixels = actual.pixels(gfx::PixelFormat::RGBAPremultiplied);
+    auto expectedPixels = expected.pixels(gfx::PixelFormat::RGBAPremultiplied);
+    int channelLimit = static_cast<int>(channelTolerance * 255);
+    differing = 0;
+    for (std::size_t i = 0; i < actualPixels.size(); i += 4) {
+        for (int c = 0; c < 4; ++c) {
+            if (std::abs(actualPixels[i + c] - expectedPixels[i + c]) > channelLimit) {
+                ++differing;
+                break;
+            }
+        }
+    }
+    return actualPixels.empty() ? 0 : static_cast<double>(differing) / (actualPixels.size() / 4);
+}
+
 } // namespace
 
 ::testing::AssertionResult imageMatches(const gfx::Image& image, const std::string& referencePath,
@@ -79,29 +98,34 @@ gfx::Image differenceImage(const std::vector<std::uint8_t>& actual, const std::v
         return fail(why.str());
     }
 
-    auto actualPixels = image.pixels(gfx::PixelFormat::RGBAPremultiplied);
-    auto expectedPixels = expected.pixels(gfx::PixelFormat::RGBAPremultiplied);
-    int channelLimit = static_cast<int>(channelTolerance * 255);
     std::size_t differing = 0;
-    for (std::size_t i = 0; i < actualPixels.size(); i += 4) {
-        for (int c = 0; c < 4; ++c) {
-            if (std::abs(actualPixels[i + c] - expectedPixels[i + c]) > channelLimit) {
-                ++differing;
-                break;
-            }
-        }
-    }
-    double share = static_cast<double>(differing) / (actualPixels.size() / 4);
+    double share = differingShare(image, expected, channelTolerance, differing);
     if (share <= tolerance) return ::testing::AssertionSuccess();
 
-    writeFile(
-        failures / (stem + ".diff.png"),
-        differenceImage(actualPixels, expectedPixels, image.pixelWidth(), image.pixelHeight(), channelLimit)
-            .pngData());
+    int channelLimit = static_cast<int>(channelTolerance * 255);
+    writeFile(failures / (stem + ".diff.png"),
+              differenceImage(image.pixels(gfx::PixelFormat::RGBAPremultiplied),
+                              expected.pixels(gfx::PixelFormat::RGBAPremultiplied), image.pixelWidth(),
+                              image.pixelHeight(), channelLimit)
+                  .pngData());
     std::ostringstream why;
     why << differing << " pixels (" << share * 100 << " %) differ from " << reference << ", more than "
         << tolerance * 100 << " %";
     return fail(why.str());
+}
+
+::testing::AssertionResult imagesMatch(const gfx::Image& actual, const gfx::Image& expected, double tolerance,
+                                       double channelTolerance) {
+    if (actual.isNull() || expected.isNull()) return ::testing::AssertionFailure() << "an image is null";
+    if (actual.pixelWidth() != expected.pixelWidth() || actual.pixelHeight() != expected.pixelHeight())
+        return ::testing::AssertionFailure()
+               << "sizes differ: " << actual.pixelWidth() << " x " << actual.pixelHeight() << " and "
+               << expected.pixelWidth() << " x " << expected.pixelHeight();
+    std::size_t differing = 0;
+    double share = differingShare(actual, expected, channelTolerance, differing);
+    if (share <= tolerance) return ::testing::AssertionSuccess();
+    return ::testing::AssertionFailure()
+           << differing << " pixels (" << share * 100 << " %) differ, more than " << tolerance * 100 << " %";
 }
 
 void expectImageMatches(const gfx::Image& image, const std::string& referencePath, double tolerance,

@@ -21,6 +21,10 @@ namespace morvane::testing {
 ::testing::AssertionResult imageMatches(const gfx::Image& image, const std::string& referencePath,
                                         double tolerance = 0.01, double channelTolerance = 0.1);
 
+// The same comparison between two images in memory (nothing is written).
+::testing::AssertionResult imagesMatch(const gfx::Image& actual, const gfx::Image& expected,
+                                       double tolerance = 0.01, double channelTolerance = 0.1);
+
 // Records a test failure when the image does not match the reference.
 void expectImageMatches(const gfx::Image& image, const std::string& referencePath, double tolerance = 0.01,
                         double channelTolerance = 0.1);

@@ -1,13 +1,17 @@
 // Everything here crosses threads; the suite runs under ThreadSanitizer.
 #include <morvane/sys/Clock.h>
+#include <morvane/sys/Fetch.h>
 #include <morvane/sys/Log.h>
 #include <morvane/sys/Queue.h>
 #include <morvane/sys/RunLoop.h>
 #include <morvane/sys/Settings.h>
 #include <morvane/sys/Timer.h>
 
+#include "LoopbackServer.h"
+
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <atomic>
 #include <chrono>
 #include <filesystem>
@@ -278,4 +282,28 @@ TEST(SettingsThreads, SavesFromManyThreadsAllLand) {
         EXPECT_EQ(store.keys().size(), 200u);
     }
     std::filesystem::remove_all(folder);
+}
+
+// Picture downloads: many fetches at once on the global queues, each result
+// handed back to the main queue.
+TEST(FetchThreads, ParallelFetchesOnGlobalQueuesReportBackToMain) {
+    morvane::test::LoopbackServer server;
+    for (int i = 0; i < 8; ++i)
+        server.serve("/p" + std::to_string(i) + ".png", std::string(10000 + i, 'p'));
+    server.stall("/stalled.png");
+    std::vector<size_t> sizes; // main thread only
+    FetchOptions options;
+    options.totalTimeout = 1;
+    for (int i = 0; i < 9; ++i) {
+        std::string address = server.address(i < 8 ? "/p" + std::to_string(i) + ".png" : "/stalled.png");
+        Queue::global(i % 2 ? Priority::Default : Priority::Background).async([&sizes, address, options] {
+            auto result = fetch(address, options);
+            Queue::main().async(
+                [&sizes, size = result.ok() ? result.body.size() : 0] { sizes.push_back(size); });
+        });
+    }
+    RunLoop::main().settle();
+    std::sort(sizes.begin(), sizes.end());
+    EXPECT_EQ(sizes, (std::vector<size_t>{0, 10000, 10001, 10002, 10003, 10004, 10005, 10006, 10007}));
+    EXPECT_EQ(server.totalRequests(), 9);
 }

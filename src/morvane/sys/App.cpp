@@ -11,9 +11,17 @@
 namespace morvane::sys {
 namespace {
 
-std::mutex gMutex;
-std::string gIdentifier;
-std::filesystem::path gResources, gDocuments, gData;
+// Never destroyed: any thread may ask for a folder while the program exits.
+struct AppState {
+    std::mutex mutex;
+    std::string identifier;
+    std::filesystem::path resources, documents, data;
+};
+
+AppState& state() {
+    static AppState* instance = new AppState;
+    return *instance;
+}
 
 bool isPlainName(std::string_view name) {
     if (name.empty() || name == "." || name == ".." || name.size() > 255) return false;
@@ -35,8 +43,8 @@ std::string defaultIdentifier() {
 }
 
 std::string identifierLocked() {
-    if (gIdentifier.empty()) gIdentifier = defaultIdentifier();
-    return gIdentifier;
+    if (state().identifier.empty()) state().identifier = defaultIdentifier();
+    return state().identifier;
 }
 
 // A variable that is set to an absolute path, or nothing.
@@ -60,7 +68,7 @@ std::filesystem::path xdgDataHome() {
 } // namespace
 
 std::string App::identifier() {
-    std::lock_guard lock(gMutex);
+    std::lock_guard lock(state().mutex);
     return identifierLocked();
 }
 
@@ -70,14 +78,14 @@ bool App::setIdentifier(std::string_view identifier) {
                       "\": it must be a plain name");
         return false;
     }
-    std::lock_guard lock(gMutex);
-    gIdentifier = identifier;
+    std::lock_guard lock(state().mutex);
+    state().identifier = identifier;
     return true;
 }
 
 std::filesystem::path App::resourceFolder() {
-    std::lock_guard lock(gMutex);
-    if (!gResources.empty()) return gResources;
+    std::lock_guard lock(state().mutex);
+    if (!state().resources.empty()) return state().resources;
     if (auto folder = environmentFolder("MORVANE_RESOURCE_DIR"); !folder.empty()) return folder;
     std::error_code error;
     auto program = std::filesystem::read_symlink("/proc/self/exe", error);
@@ -86,32 +94,32 @@ std::filesystem::path App::resourceFolder() {
 }
 
 std::filesystem::path App::documentsFolder() {
-    std::lock_guard lock(gMutex);
-    if (!gDocuments.empty()) return gDocuments;
+    std::lock_guard lock(state().mutex);
+    if (!state().documents.empty()) return state().documents;
     if (auto folder = environmentFolder("MORVANE_DOCUMENTS_DIR"); !folder.empty()) return folder;
     return xdgDataHome() / identifierLocked() / "Documents";
 }
 
 std::filesystem::path App::dataFolder() {
-    std::lock_guard lock(gMutex);
-    if (!gData.empty()) return gData;
+    std::lock_guard lock(state().mutex);
+    if (!state().data.empty()) return state().data;
     if (auto folder = environmentFolder("MORVANE_DATA_DIR"); !folder.empty()) return folder;
     return xdgDataHome() / identifierLocked();
 }
 
 void App::setResourceFolder(std::filesystem::path folder) {
-    std::lock_guard lock(gMutex);
-    gResources = std::move(folder);
+    std::lock_guard lock(state().mutex);
+    state().resources = std::move(folder);
 }
 
 void App::setDocumentsFolder(std::filesystem::path folder) {
-    std::lock_guard lock(gMutex);
-    gDocuments = std::move(folder);
+    std::lock_guard lock(state().mutex);
+    state().documents = std::move(folder);
 }
 
 void App::setDataFolder(std::filesystem::path folder) {
-    std::lock_guard lock(gMutex);
-    gData = std::move(folder);
+    std::lock_guard lock(state().mutex);
+    state().data = std::move(folder);
 }
 
 } // namespace morvane::sys

@@ -12,10 +12,18 @@ namespace morvane::sys {
 namespace {
 
 // One lock for the capture chain and the sink: lines from several threads
-// come out whole and in one order.
-std::mutex gMutex;
-Log::Capture* gCapture = nullptr;
-Log::Sink gSink;
+// come out whole and in one order. Never destroyed, so that threads may log
+// while the program exits.
+struct LogState {
+    std::mutex mutex;
+    Log::Capture* capture = nullptr;
+    Log::Sink sink;
+};
+
+LogState& state() {
+    static LogState* instance = new LogState;
+    return *instance;
+}
 
 void writeAll(int fd, std::string_view text) {
     while (!text.empty()) {
@@ -50,43 +58,48 @@ std::string stamped(std::string_view text) {
 } // namespace
 
 bool Log::capture(Channel channel, std::string_view text) {
-    // Called with gMutex held.
-    if (!gCapture) return false;
-    gCapture->record(channel, text);
+    // Called with the state's mutex held.
+    if (!state().capture) return false;
+    state().capture->record(channel, text);
     return true;
 }
 
 void Log::platform(std::string_view text) {
-    std::lock_guard lock(gMutex);
-    if (capture(Channel::Platform, text)) return;
-    if (gSink) {
-        gSink(text);
-        return;
+    Sink sink;
+    {
+        std::lock_guard lock(state().mutex);
+        if (capture(Channel::Platform, text)) return;
+        if (!state().sink) {
+            writeAll(STDERR_FILENO, stamped(text));
+            return;
+        }
+        sink = state().sink;
     }
-    writeAll(STDERR_FILENO, stamped(text));
+    // Outside the lock, so that a sink may itself log.
+    sink(text);
 }
 
 void Log::standardError(std::string_view text) {
-    std::lock_guard lock(gMutex);
+    std::lock_guard lock(state().mutex);
     if (capture(Channel::StandardError, text)) return;
     writeAll(STDERR_FILENO, text);
 }
 
 void Log::setPlatformSink(Sink sink) {
-    std::lock_guard lock(gMutex);
-    gSink = std::move(sink);
+    std::lock_guard lock(state().mutex);
+    state().sink = std::move(sink);
 }
 
 Log::Capture::Capture() {
-    std::lock_guard lock(gMutex);
-    previous_ = gCapture;
-    gCapture = this;
+    std::lock_guard lock(state().mutex);
+    previous_ = state().capture;
+    state().capture = this;
 }
 
 Log::Capture::~Capture() {
-    std::lock_guard lock(gMutex);
+    std::lock_guard lock(state().mutex);
     // Captures normally end in reverse order; unlink this one wherever it sits.
-    for (Capture** link = &gCapture; *link; link = &(*link)->previous_) {
+    for (Capture** link = &state().capture; *link; link = &(*link)->previous_) {
         if (*link == this) {
             *link = previous_;
             break;

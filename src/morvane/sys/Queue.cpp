@@ -26,19 +26,28 @@ const std::thread::id gMainThread = std::this_thread::get_id();
 thread_local Queue* tCurrent = nullptr;
 
 // Blocks handed to global or serial queues and not yet finished; waitIdle()
-// waits for it to reach zero.
-std::mutex gIdleMutex;
-std::condition_variable gIdleCv;
-size_t gOutstanding = 0;
+// waits for it to reach zero. Never destroyed: worker threads still finish
+// blocks while the program exits.
+struct Outstanding {
+    std::mutex mutex;
+    std::condition_variable idle;
+    size_t count = 0;
+};
+
+Outstanding& outstanding() {
+    static Outstanding* instance = new Outstanding;
+    return *instance;
+}
 
 void began() {
-    std::lock_guard lock(gIdleMutex);
-    ++gOutstanding;
+    std::lock_guard lock(outstanding().mutex);
+    ++outstanding().count;
 }
 
 void finished() {
-    std::lock_guard lock(gIdleMutex);
-    if (--gOutstanding == 0) gIdleCv.notify_all();
+    Outstanding& state = outstanding();
+    std::lock_guard lock(state.mutex);
+    if (--state.count == 0) state.idle.notify_all();
 }
 
 // The threads behind the global queues. It starts empty and adds a thread when
@@ -138,9 +147,9 @@ Queue& Queue::global(Priority priority) {
 }
 
 Queue& Queue::serial(std::string_view name) {
-    static std::mutex mutex;
+    static auto* mutex = new std::mutex;
     static auto* queues = new std::map<std::string, Queue*, std::less<>>;
-    std::lock_guard lock(mutex);
+    std::lock_guard lock(*mutex);
     auto found = queues->find(name);
     if (found != queues->end()) return *found->second;
     Queue* queue = new Queue(Kind::Serial, std::string(name), Priority::Default);
@@ -199,8 +208,9 @@ bool Queue::isCurrent() const {
 
 void Queue::waitIdle() {
     if (tCurrent) return;
-    std::unique_lock lock(gIdleMutex);
-    gIdleCv.wait(lock, [] { return gOutstanding == 0; });
+    Outstanding& state = outstanding();
+    std::unique_lock lock(state.mutex);
+    state.idle.wait(lock, [&state] { return state.count == 0; });
 }
 
 bool isMainThread() {

@@ -176,12 +176,13 @@ struct Settings::Impl {
 };
 
 std::shared_ptr<Settings> Settings::standard() {
-    static std::mutex mutex;
-    static std::shared_ptr<Settings> store;
+    // Never destroyed: other threads may still save while the program exits.
+    static auto* mutex = new std::mutex;
+    static auto* store = new std::shared_ptr<Settings>;
     fs::path file = App::dataFolder() / "Settings.sqlite";
-    std::lock_guard lock(mutex);
-    if (!store || store->file() != file) store = std::make_shared<Settings>(file);
-    return store;
+    std::lock_guard lock(*mutex);
+    if (!*store || (*store)->file() != file) *store = std::make_shared<Settings>(file);
+    return *store;
 }
 
 Settings::Settings(fs::path file) : impl_(std::make_unique<Impl>()) {

@@ -16,6 +16,7 @@ namespace {
 
 constexpr std::size_t kMaxMasks = 64;
 constexpr double kMaxMaskPixels = 4e6;
+constexpr std::size_t kMaxCacheBytes = 48u << 20;
 
 // Three box blurs approximate a Gaussian; these are the box widths for sigma
 // (the usual construction from the ideal averaging filter width).
@@ -70,11 +71,33 @@ using Key = std::tuple<long, long, long, long, long>;
 
 struct Cache {
     std::map<Key, ShadowMask> masks;
-    ~Cache() {
+    std::size_t bytes = 0;
+    ~Cache() { clear(); }
+    void clear() {
         for (auto& [key, mask] : masks)
             cairo_surface_destroy(mask.surface);
+        masks.clear();
+        bytes = 0;
+    }
+    // Keeps a new mask, starting over when the cache grows past its bounds.
+    const ShadowMask& add(const Key& key, const ShadowMask& mask) {
+        std::size_t size = static_cast<std::size_t>(cairo_image_surface_get_stride(mask.surface)) *
+                           cairo_image_surface_get_height(mask.surface);
+        if (masks.size() >= kMaxMasks || bytes + size > kMaxCacheBytes) clear();
+        bytes += size;
+        return masks.emplace(key, mask).first->second;
     }
 };
+
+Cache& lowResolutionCache() {
+    thread_local Cache cache;
+    return cache;
+}
+
+Cache& deviceCache() {
+    thread_local Cache cache;
+    return cache;
+}
 
 long quantize(double value) {
     return std::lround(value * 64);
@@ -92,14 +115,9 @@ ShadowMask shadowMask(double width, double height, double cornerRadius, double s
     double area = (width + 2 * padding) * (height + 2 * padding);
     if (area * maskScale * maskScale > kMaxMaskPixels) maskScale = std::sqrt(kMaxMaskPixels / area);
 
-    thread_local Cache cache;
+    Cache& cache = lowResolutionCache();
     Key key{quantize(width), quantize(height), quantize(cornerRadius), quantize(sigma), quantize(maskScale)};
     if (auto found = cache.masks.find(key); found != cache.masks.end()) return found->second;
-    if (cache.masks.size() >= kMaxMasks) {
-        for (auto& [k, mask] : cache.masks)
-            cairo_surface_destroy(mask.surface);
-        cache.masks.clear();
-    }
 
     int pixelWidth = static_cast<int>(std::ceil((width + 2 * padding) * maskScale));
     int pixelHeight = static_cast<int>(std::ceil((height + 2 * padding) * maskScale));
@@ -127,9 +145,38 @@ ShadowMask shadowMask(double width, double height, double cornerRadius, double s
     cairo_fill(cr);
     cairo_destroy(cr);
     blur(surface, sigma * maskScale);
-    ShadowMask mask{surface, maskScale, padding};
-    cache.masks.emplace(key, mask);
-    return mask;
+    return cache.add(key, ShadowMask{surface, maskScale, padding});
+}
+
+ShadowMask deviceShadowMask(double width, double height, double cornerRadius, double sigma,
+                            double deviceScale) {
+    Cache& cache = deviceCache();
+    Key key{quantize(width), quantize(height), quantize(cornerRadius), quantize(sigma),
+            quantize(deviceScale)};
+    if (auto found = cache.masks.find(key); found != cache.masks.end()) return found->second;
+    ShadowMask low = shadowMask(width, height, cornerRadius, sigma, deviceScale);
+    if (!low.surface) return low;
+    if (low.maskScale == deviceScale) {
+        cairo_surface_reference(low.surface);
+        return cache.add(key, low);
+    }
+    double area = (width + 2 * low.padding) * (height + 2 * low.padding) * deviceScale * deviceScale;
+    if (area > kMaxMaskPixels * 4) return low; // too big to keep at full resolution
+    int pixelWidth = static_cast<int>(std::ceil((width + 2 * low.padding) * deviceScale));
+    int pixelHeight = static_cast<int>(std::ceil((height + 2 * low.padding) * deviceScale));
+    cairo_surface_t* surface = cairo_image_surface_create(CAIRO_FORMAT_A8, pixelWidth, pixelHeight);
+    if (cairo_surface_status(surface) != CAIRO_STATUS_SUCCESS) {
+        cairo_surface_destroy(surface);
+        return low;
+    }
+    cairo_t* cr = cairo_create(surface);
+    cairo_scale(cr, deviceScale / low.maskScale, deviceScale / low.maskScale);
+    cairo_set_source_surface(cr, low.surface, 0, 0);
+    cairo_pattern_set_filter(cairo_get_source(cr), CAIRO_FILTER_BILINEAR);
+    cairo_set_operator(cr, CAIRO_OPERATOR_SOURCE);
+    cairo_paint(cr);
+    cairo_destroy(cr);
+    return cache.add(key, ShadowMask{surface, deviceScale, low.padding});
 }
 
 } // namespace morvane::gfx::detail

@@ -13,7 +13,13 @@ struct ShadowMask {
 };
 
 // The mask of a width x height rounded rectangle blurred with a Gaussian of
-// the given sigma (points); null surface when the shape is empty.
+// the given sigma (points); null surface when the shape is empty. The blur is
+// computed at a low resolution (maskScale may be below the device scale).
 ShadowMask shadowMask(double width, double height, double cornerRadius, double sigma, double deviceScale);
+
+// The same mask at exactly the device scale, so that painting it at a whole
+// pixel position is a plain unscaled composite (the fast path).
+ShadowMask deviceShadowMask(double width, double height, double cornerRadius, double sigma,
+                            double deviceScale);
 
 } // namespace morvane::gfx::detail
