@@ -253,14 +253,17 @@ void Canvas::endTransparencyLayer(double alpha) {
     while (!impl_->stack.empty() && !impl_->stack.back().layer)
         restore();
     if (impl_->stack.empty()) return;
-    cairo_pop_group_to_source(impl_->cr);
+    // The group is taken as a pattern before the restore: the source is part
+    // of the saved state, so a group set as source would be undone by it.
+    cairo_pattern_t* group = cairo_pop_group(impl_->cr);
     Impl::State outer = impl_->stack.back();
     impl_->stack.pop_back();
     cairo_restore(impl_->cr);
     impl_->state = outer;
     impl_->state.layer = false;
-    // The group is the source until the next drawing call sets another.
+    cairo_set_source(impl_->cr, group);
     cairo_paint_with_alpha(impl_->cr, clamp01(alpha) * impl_->state.alpha);
+    cairo_pattern_destroy(group);
 }
 
 // ---- Clipping ---------------------------------------------------------------

@@ -1,0 +1,44 @@
+#pragma once
+// Draws a view tree onto a Canvas. Each view is drawn in this order: its
+// shadow, its background with rounded corners, its own draw(), its children
+// (clipped to its rounded bounds when it masks to bounds, and to its mask
+// layer), then its border on top. Alpha and transforms compose down the tree;
+// hidden views, fully transparent views and views with an empty size are
+// skipped with everything inside them. While animations run, the renderer
+// draws each view's on-screen (presentation) values.
+//
+// The tree is laid out before it is drawn. Main thread only.
+
+#include <morvane/gfx/Forward.h>
+#include <morvane/gfx/Image.h>
+#include <morvane/ui/Forward.h>
+
+#include <cstdint>
+
+namespace morvane::ui {
+
+class Renderer {
+  public:
+    // Lays out and draws the tree with the root's top-left corner at the
+    // canvas's origin (the root's own position and transform are ignored).
+    void render(View& root, gfx::Canvas& canvas);
+
+    // A picture of the view alone (laid out first), the size of its bounds at
+    // the scale, transparent where it draws nothing. A view with an empty
+    // size gives the null image.
+    static gfx::Image imageOf(View& view, double scale);
+
+    // Views drawn by the last render (skipped and culled views do not count).
+    int viewsDrawn() const { return viewsDrawn_; }
+    // Renders done by this renderer.
+    std::uint64_t framesRendered() const { return framesRendered_; }
+
+  private:
+    void drawView(View& view, gfx::Canvas& canvas, double now);
+    void drawBody(View& view, gfx::Canvas& canvas, const gfx::Rect& bounds, double now);
+
+    int viewsDrawn_ = 0;
+    std::uint64_t framesRendered_ = 0;
+};
+
+} // namespace morvane::ui
