@@ -117,16 +117,6 @@ TEST_F(ZBImageTest, FailedDownloadsKeepTheSpinnerAndGoneViewsAreLeftAlone) {
     host->runUntilIdle();
 }
 
-TEST_F(ZBImageTest, ShowingAnImageDirectlyAndTheProgressSwitch) {
-    const gfx::Image image = test::solidImage(5, 5, gfx::Color::greenColor());
-    view->addImage(image);
-    EXPECT_TRUE(view->imageView().image().isSameAs(image));
-    view->showProgress(true);
-    EXPECT_TRUE(loading());
-    view->showProgress(false);
-    EXPECT_FALSE(loading());
-}
-
 // The pill: picture at the left tinted white, title at the right, corners of
 // half the height; the seven callbacks are stored and never called by the button.
 TEST_F(ZBImageTest, PictureButtonLaysOutAPillAndStoresItsCallbacks) {
