@@ -5,7 +5,9 @@
 // among the kit's own default pictures, installed with the library under
 // share/morvane/images. For each folder the name is tried as given when it
 // carries an extension, then with .png, .jpg, .jpeg and .svg. An SVG is
-// rendered at the size asked (its own size when none is given).
+// rendered at the size asked (its own size when none is given). The kit's
+// folder is found from the library's own location (MORVANE_KIT_IMAGES_DIR
+// overrides it).
 //
 // A name is a plain file name: one with "/", "\", a NUL or a leading "."
 // names no resource picture, and no lookup ever resolves outside the two
