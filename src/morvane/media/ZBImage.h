@@ -6,7 +6,7 @@
 // ends on the view switches between fit and fill with a half-second cross-fade.
 //
 //   auto photo = std::make_shared<ZBImage>(gfx::Rect{0, 0, 390, 240});
-//   photo->addImage(row->text("image"), row->text("imaged"));
+//   photo->addImage("https://example.com/rooms/suite.jpg", "2024.05.01T10:00:00");
 //
 // A download that fails leaves the spinner running (the loader calls nothing
 // back). Main thread only; the loader's answer is brought back to the main

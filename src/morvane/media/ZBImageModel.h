@@ -6,7 +6,7 @@
 // version by its date stamp).
 //
 //   auto loader = std::make_shared<ZBImageModel>();
-//   loader->taskWithName(row->text("image"), row->text("imaged"),
+//   loader->taskWithName(address, stamp,
 //                        [weakView, loader](const gfx::Image& image, bool) {
 //                            sys::Queue::main().async([weakView, image, loader] { ... loader->cleanup(); });
 //                        });
