@@ -1,0 +1,152 @@
+#include <morvane/media/ImageColor.h>
+#include <morvane/media/ResourcePictures.h>
+#include <morvane/media/ZBImageModel.h>
+#include <morvane/media/detail/CachePaths.h>
+#include <morvane/media/detail/MemoryCache.h>
+#include <morvane/media/detail/SingleFlight.h>
+#include <morvane/sys/Fetch.h>
+#include <morvane/sys/Log.h>
+#include <morvane/sys/Queue.h>
+
+namespace morvane {
+
+namespace {
+
+std::span<const std::uint8_t> asBytes(const std::string& text) {
+    return {reinterpret_cast<const std::uint8_t*>(text.data()), text.size()};
+}
+
+// The cached picture of the cache's current names when the file exists and
+// was created no earlier than the stamp: the image (null when the bytes do
+// not decode). Nothing when there is no usable file.
+std::optional<gfx::Image> freshFromFile(const ZBImageCut& cut, const std::string& stamp) {
+    const auto created = ZBImageCut::fileDate(cut.dirName(), cut.fileName());
+    if (!created || *created < stamp) return std::nullopt;
+    auto bytes = cut.imageRead(cut.dirName(), cut.fileName(), stamp);
+    gfx::Image image = bytes ? gfx::Image::fromData(asBytes(*bytes), 1.0) : gfx::Image();
+    if (image.isNull()) {
+        // A damaged file would be served broken until the sweep; dropping it
+        // lets the next request download the picture again.
+        ZBImageCut::removeFileAtPath(ZBImageCut::currentPath2(cut.dirName(), cut.fileName()));
+    }
+    return image;
+}
+
+// Downloads the picture on the calling thread, one transfer per address;
+// every request for it gets the picture through its own callback.
+void download(const ZBImageCut& cut, const std::string& address, const std::string& stamp,
+              ZBImageModel::Callback local) {
+    std::string reason;
+    const bool cacheable = cut.isCacheable(&reason);
+    const std::string key = cacheable ? cut.dirName() + "/" + cut.fileName() : "\n" + address;
+    auto work = [&]() -> gfx::Image {
+        sys::FetchResult result = sys::fetch(address);
+        if (!result) {
+            sys::Log::platform("Got an error: " + result.error);
+            return {};
+        }
+        gfx::Image image = gfx::Image::fromData(asBytes(result.body), 1.0);
+        if (image.isNull()) {
+            sys::Log::platform("Not a picture, not cached: " + address);
+            return {};
+        }
+        if (cacheable) {
+            if (!cut.storeImage(result.body, image, cut.fileName(), cut.dirName(), stamp)) return {};
+        } else {
+            sys::Log::platform("Picture not cached (" + reason + "): " + address);
+        }
+        detail::MemoryCache::shared().insert(address, stamp, image);
+        return image;
+    };
+    detail::SingleFlight::shared().run(key, work, [local](const gfx::Image& image) {
+        if (local) local(image, true);
+    });
+}
+
+} // namespace
+
+void ZBImageModel::taskWithName(std::optional<std::string_view> name, std::optional<std::string_view> date,
+                                Callback local) {
+    const gfx::Image resource = name ? ResourcePictures::named(*name) : gfx::Image();
+    imageFM_.setFileName(name);
+    if (!name) {
+        if (local) local(maskedImage(ResourcePictures::named("about"), gfx::Color::whiteColor()), true);
+    } else if (resource.isNull()) {
+        setData(*name, date ? *date : kDefaultStamp, std::move(local));
+    } else if (local) {
+        local(resource, true);
+    }
+}
+
+void ZBImageModel::setData(std::string_view address, std::string_view date, Callback local) {
+    // Called directly, the cache's names may not be this address's yet.
+    if (imageFM_.address() != address || imageFM_.fileName().empty()) imageFM_.setFileName(address);
+    const std::string stamp = ZBImageCut::cut(date);
+
+    if (gfx::Image kept = detail::MemoryCache::shared().find(address, stamp); !kept.isNull()) {
+        if (local) local(kept, true);
+        return;
+    }
+    if (imageFM_.isCacheable()) {
+        const auto created = ZBImageCut::fileDate(imageFM_.dirName(), imageFM_.fileName());
+        if (created) {
+            if (*created < stamp) {
+                urlPhoto(address, stamp, std::move(local));
+                return;
+            }
+            if (auto image = freshFromFile(imageFM_, stamp)) {
+                if (!image->isNull()) detail::MemoryCache::shared().insert(address, stamp, *image);
+                if (local) local(*image, true);
+                return;
+            }
+        }
+    }
+    if (!detail::isWebAddress(address)) {
+        sys::Log::platform("Not a picture address: " + std::string(address));
+        return;
+    }
+    // No file yet: hop to a background queue, and from there to the download.
+    // A request that arrives just after another one stored the picture finds
+    // the file there and is served without a second transfer.
+    sys::Queue::global(sys::Priority::Background)
+        .async([cut = imageFM_, address = std::string(address), stamp, local = std::move(local)]() mutable {
+            if (cut.isCacheable()) {
+                if (auto image = freshFromFile(cut, stamp)) {
+                    if (local) local(*image, true);
+                    return;
+                }
+            }
+            sys::Queue::global(sys::Priority::Default)
+                .async([cut = std::move(cut), address = std::move(address), stamp = std::move(stamp),
+                        local = std::move(local)] { download(cut, address, stamp, local); });
+        });
+}
+
+void ZBImageModel::urlPhoto(std::string_view address, std::string_view date, Callback local) {
+    if (!detail::isWebAddress(address)) {
+        sys::Log::platform("Not a picture address: " + std::string(address));
+        return;
+    }
+    if (imageFM_.address() != address || imageFM_.fileName().empty()) imageFM_.setFileName(address);
+    sys::Queue::global(sys::Priority::Default)
+        .async([cut = imageFM_, address = std::string(address), stamp = ZBImageCut::cut(date),
+                local = std::move(local)] { download(cut, address, stamp, local); });
+}
+
+gfx::Image ZBImageModel::maskedImage(const gfx::Image& image, const gfx::Color& color) {
+    return ImageColor::color(image, color);
+}
+
+std::size_t ZBImageModel::memoryCacheLimit() {
+    return detail::MemoryCache::shared().limit();
+}
+
+void ZBImageModel::setMemoryCacheLimit(std::size_t bytes) {
+    detail::MemoryCache::shared().setLimit(bytes);
+}
+
+void ZBImageModel::clearMemoryCache() {
+    detail::MemoryCache::shared().clear();
+}
+
+} // namespace morvane

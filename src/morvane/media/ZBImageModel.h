@@ -1,0 +1,73 @@
+#pragma once
+// ZBImageModel: the photo loader the kit's components use. A picture is named
+// by one text: a resource picture's name (returned at once), or an address on
+// a server (downloaded on a global queue, kept in the picture file cache
+// ZBImageCut, and served from there until the caller announces a newer
+// version by its date stamp).
+//
+//   auto loader = std::make_shared<ZBImageModel>();
+//   loader->taskWithName(address, stamp,
+//                        [weakView, loader](const gfx::Image& image, bool) {
+//                            sys::Queue::main().async([weakView, image, loader] { ... loader->cleanup(); });
+//                        });
+//
+// Threads: a resource picture or a cache hit calls back on the caller's thread
+// before the call returns; a download calls back on a default-priority global
+// queue, so callers that touch views re-post to the main queue. A failed
+// download calls nothing back. The background work keeps copies of what it
+// needs, so the loader may be released as soon as the call returns.
+//
+// In front of the files sits a memory cache of decoded pictures keyed by
+// address and stamp, and concurrent requests for one address share a single
+// transfer and file write (each still gets its own callback).
+
+#include <morvane/gfx/Color.h>
+#include <morvane/gfx/Image.h>
+#include <morvane/media/ZBImageCut.h>
+
+#include <cstddef>
+#include <functional>
+#include <optional>
+#include <string>
+#include <string_view>
+
+namespace morvane {
+
+class ZBImageModel {
+  public:
+    using Callback = std::function<void(const gfx::Image& image, bool flag)>;
+
+    // The stamp used when a request gives none: older than any file.
+    static constexpr std::string_view kDefaultStamp = "1990.01.01T01:01:01";
+
+    ZBImageModel() = default;
+
+    ZBImageCut& imageFM() { return imageFM_; }
+    const ZBImageCut& imageFM() const { return imageFM_; }
+
+    // The entry point: no name gives the resource picture "about" tinted
+    // white; a resource picture's name gives that picture; anything else is
+    // served from the cache or downloaded (setData).
+    void taskWithName(std::optional<std::string_view> name, std::optional<std::string_view> date,
+                      Callback local);
+    // Serves the cached file unless its creation sorts before the stamp;
+    // otherwise, or without a file, downloads.
+    void setData(std::string_view address, std::string_view date, Callback local);
+    // Downloads on a default-priority global queue, stores the picture and
+    // calls back there. Only http and https addresses are fetched.
+    void urlPhoto(std::string_view address, std::string_view date, Callback local);
+
+    static gfx::Image maskedImage(const gfx::Image& image, const gfx::Color& color);
+    // The cache sweep (ZBImageCut::cleanup).
+    void cleanup() const { imageFM_.cleanup(); }
+
+    // The memory cache in front of the files: its byte limit (0 turns it off).
+    static std::size_t memoryCacheLimit();
+    static void setMemoryCacheLimit(std::size_t bytes);
+    static void clearMemoryCache();
+
+  private:
+    ZBImageCut imageFM_;
+};
+
+} // namespace morvane

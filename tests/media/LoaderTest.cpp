@@ -1,0 +1,216 @@
+// The photo loader crosses threads (downloads on global queues, callbacks
+// there); this program runs under ThreadSanitizer.
+#include "MediaFixture.h"
+
+#include <morvane/media/ResourcePictures.h>
+#include <morvane/media/ZBImageModel.h>
+#include <morvane/sys/Files.h>
+#include <morvane/sys/Log.h>
+#include <morvane/sys/Queue.h>
+
+#include "LoopbackServer.h"
+
+#include <gtest/gtest.h>
+
+#include <atomic>
+#include <fstream>
+#include <mutex>
+#include <thread>
+
+using namespace morvane;
+using morvane::test::kJan2024;
+using morvane::test::kWeek;
+using morvane::test::LoopbackServer;
+using morvane::test::MediaFixture;
+using morvane::test::pngBytes;
+namespace fs = std::filesystem;
+
+namespace {
+
+// What one request saw: its callbacks, and on which threads they ran.
+struct Outcome {
+    std::mutex mutex;
+    std::vector<gfx::Image> images;
+    int onCallerThread = 0;
+    std::thread::id caller = std::this_thread::get_id();
+
+    ZBImageModel::Callback callback() {
+        return [this](const gfx::Image& image, bool flag) {
+            std::lock_guard lock(mutex);
+            EXPECT_TRUE(flag);
+            images.push_back(image);
+            if (std::this_thread::get_id() == caller) ++onCallerThread;
+        };
+    }
+    std::size_t count() {
+        std::lock_guard lock(mutex);
+        return images.size();
+    }
+};
+
+class LoaderTest : public MediaFixture {
+  protected:
+    std::string path(std::string_view address) {
+        ZBImageCut cut;
+        cut.setFileName(address);
+        return ZBImageCut::currentPath2(cut.dirName(), cut.fileName());
+    }
+    LoopbackServer server;
+};
+
+} // namespace
+
+// Resource pictures come back at once, untinted, without touching the cache
+// or the network; no name gives the "about" picture tinted white.
+TEST_F(LoaderTest, ResourcePicturesAndTheDefaultComeBackSynchronously) {
+    std::ofstream(resources / "menu.png", std::ios::binary) << pngBytes(6, 6, gfx::Color::redColor());
+    Outcome outcome;
+    ZBImageModel loader;
+    loader.taskWithName("menu", "2099.01.01T00:00:00", outcome.callback());
+    loader.taskWithName(std::nullopt, std::nullopt, outcome.callback());
+    ASSERT_EQ(outcome.count(), 2u);
+    EXPECT_EQ(outcome.onCallerThread, 2);
+    EXPECT_TRUE(outcome.images[0].pixelColor(3, 3)->isClose(gfx::Color::redColor(), 0.01)) << "untinted";
+    const gfx::Image about = outcome.images[1];
+    EXPECT_EQ(about.size(), ResourcePictures::named("about").size());
+    EXPECT_TRUE(about.pixelColor(int(32 * about.scale()), int(40 * about.scale()))
+                    ->isClose(gfx::Color::whiteColor(), 0.02));
+    EXPECT_FALSE(fs::exists(documents / "img"));
+    EXPECT_EQ(server.totalRequests(), 0);
+}
+
+// The first request downloads (on a global queue, not the caller's thread),
+// caches and dates the file; later requests whose stamp is not newer than the
+// file's creation are served from disk at once; a newer stamp downloads again.
+TEST_F(LoaderTest, StampsDecideBetweenTheCachedFileAndADownload) {
+    useManualClock(kJan2024);
+    server.serve("/menu/soup.png", pngBytes(8, 4, gfx::Color::greenColor()), "image/png");
+    const std::string address = server.address("/menu/soup.png");
+
+    Outcome first;
+    ZBImageModel().taskWithName(address, "2023.12.31T00:00:00", first.callback());
+    EXPECT_EQ(first.count(), 0u) << "a download never answers before the call returns";
+    sys::Queue::waitIdle();
+    ASSERT_EQ(first.count(), 1u);
+    EXPECT_EQ(first.onCallerThread, 0);
+    EXPECT_EQ(first.images[0].size(), gfx::Size(8, 4));
+    EXPECT_EQ(first.images[0].scale(), 1);
+    ASSERT_TRUE(fs::exists(path(address)));
+    EXPECT_EQ(server.requestCount("/menu/soup.png"), 1);
+
+    // Served from disk on the caller's thread: created 2024.01.01, asked for older or equal.
+    for (std::optional<std::string_view> stamp :
+         {std::optional<std::string_view>("2024.01.01T00:00:00.999"), std::optional<std::string_view>()}) {
+        ZBImageModel::clearMemoryCache();
+        Outcome hit;
+        ZBImageModel().taskWithName(address, stamp, hit.callback());
+        ASSERT_EQ(hit.count(), 1u);
+        EXPECT_EQ(hit.onCallerThread, 1);
+    }
+    EXPECT_EQ(server.requestCount("/menu/soup.png"), 1);
+
+    // A version announced one second after the download: fetched again.
+    advance(10);
+    Outcome newer;
+    ZBImageModel().taskWithName(address, "2024.01.01T00:00:01", newer.callback());
+    EXPECT_EQ(newer.count(), 0u);
+    sys::Queue::waitIdle();
+    EXPECT_EQ(newer.count(), 1u);
+    EXPECT_EQ(server.requestCount("/menu/soup.png"), 2);
+    EXPECT_EQ(*ZBImageCut::fileDateEx(path(address)), "2024.01.01T00:00:10")
+        << "the new download replaced the file";
+}
+
+// Pictures once decoded stay in memory by address and stamp: a second request
+// is served without reading the file (here: after the file is gone).
+TEST_F(LoaderTest, MemoryCacheServesRepeatedRequests) {
+    server.serve("/a.png", pngBytes(5, 5, gfx::Color::blueColor()), "image/png");
+    const std::string address = server.address("/a.png");
+    Outcome outcome;
+    ZBImageModel().taskWithName(address, std::nullopt, outcome.callback());
+    sys::Queue::waitIdle();
+    ASSERT_EQ(outcome.count(), 1u);
+    fs::remove(path(address));
+    ZBImageModel().taskWithName(address, std::nullopt, outcome.callback());
+    ASSERT_EQ(outcome.count(), 2u);
+    EXPECT_TRUE(outcome.images[1].isSameAs(outcome.images[0]));
+
+    ZBImageModel::setMemoryCacheLimit(0);
+    ZBImageModel().taskWithName(address, std::nullopt, outcome.callback());
+    EXPECT_EQ(outcome.count(), 2u) << "without the memory cache the file is missing: a download";
+    sys::Queue::waitIdle();
+    EXPECT_EQ(outcome.count(), 3u);
+    EXPECT_EQ(server.requestCount("/a.png"), 2);
+    ZBImageModel::setMemoryCacheLimit(64u << 20);
+}
+
+// Failures are silent: no callback, no file, whatever went wrong.
+TEST_F(LoaderTest, FailedDownloadsLeaveNoCallbackAndNoFile) {
+    server.respond("/missing.png", {404, "<html>no</html>", {}});
+    server.serve("/page.png", "<html>this is not a picture</html>", "text/html");
+    server.reset("/reset.png");
+    // A PNG header that claims 100000 x 100000 pixels: refused before allocating.
+    std::string huge = pngBytes(1, 1, gfx::Color::redColor());
+    huge[16] = 0, huge[17] = 1, huge[18] = char(0x86), huge[19] = char(0xA0);
+    huge[20] = 0, huge[21] = 1, huge[22] = char(0x86), huge[23] = char(0xA0);
+    server.serve("/huge.png", huge, "image/png");
+
+    Outcome outcome;
+    for (const char* name : {"/missing.png", "/page.png", "/reset.png", "/huge.png"})
+        ZBImageModel().taskWithName(server.address(name), std::nullopt, outcome.callback());
+    ZBImageModel().taskWithName("ftp://127.0.0.1/x.png", std::nullopt, outcome.callback());
+    ZBImageModel().taskWithName("not-a-resource", std::nullopt, outcome.callback());
+    sys::Queue::waitIdle();
+    EXPECT_EQ(outcome.count(), 0u);
+    EXPECT_TRUE(filesBelowRoot().empty());
+    EXPECT_EQ(server.requestCount("/missing.png"), 1);
+    EXPECT_EQ(server.requestCount("/page.png"), 1);
+}
+
+// Hostile addresses served by a real server: every picture is delivered, and
+// nothing is written outside the cache folders.
+TEST_F(LoaderTest, HostileAddressesAreDeliveredButNeverWrittenOutside) {
+    const std::string picture = pngBytes(3, 3, gfx::Color::redColor());
+    server.serve("/a", picture, "image/png");
+    server.serve("/%2e%2e/%2e%2e/x.png", picture, "image/png");
+    server.serve("/a%252F..%252Fx.png", picture, "image/png");
+    server.serve("/a\\..\\x.png", picture, "image/png");
+    server.serve("/" + std::string(600, 'n') + ".png", picture, "image/png");
+    const std::vector<std::string> addresses = {
+        server.address("/a/.."),
+        server.address("/a/%2F.."),
+        server.address("/%2e%2e/%2e%2e/x.png"),
+        server.address("/a%252F..%252Fx.png"),
+        server.address("/a\\..\\x.png"),
+        server.address("/" + std::string(600, 'n') + ".png"),
+    };
+    Outcome outcome;
+    for (const auto& address : addresses)
+        ZBImageModel().taskWithName(address, std::nullopt, outcome.callback());
+    sys::Queue::waitIdle();
+    for (const auto& file : filesBelowRoot())
+        EXPECT_TRUE(file.rfind("Documents/img/", 0) == 0) << file;
+    EXPECT_GE(outcome.count(), 3u);
+}
+
+// Concurrent requests for one address share one transfer and one write; each
+// still gets its own callback, on a global queue.
+TEST_F(LoaderTest, ConcurrentRequestsForOneAddressShareOneFetch) {
+    LoopbackServer::Response slow{200, pngBytes(16, 16, gfx::Color::redColor()), {}};
+    server.delay("/shared.png", 0.3, slow);
+    const std::string address = server.address("/shared.png");
+    Outcome outcome;
+    std::vector<std::thread> threads;
+    for (int t = 0; t < 4; ++t)
+        threads.emplace_back([&] {
+            for (int i = 0; i < 5; ++i)
+                ZBImageModel().taskWithName(address, std::nullopt, outcome.callback());
+        });
+    for (auto& thread : threads)
+        thread.join();
+    sys::Queue::waitIdle();
+    EXPECT_EQ(outcome.count(), 20u);
+    EXPECT_EQ(server.requestCount("/shared.png"), 1);
+    for (const auto& image : outcome.images)
+        EXPECT_EQ(image.size(), gfx::Size(16, 16));
+}

@@ -1,0 +1,287 @@
+#include "MediaFixture.h"
+
+#include <morvane/media/ZBImageCut.h>
+#include <morvane/sys/Clock.h>
+#include <morvane/sys/Files.h>
+#include <morvane/sys/Log.h>
+#include <morvane/util/Dates.h>
+
+#include <gtest/gtest.h>
+
+#include <fcntl.h>
+#include <fstream>
+#include <unistd.h>
+
+using namespace morvane;
+using morvane::test::kJan2024;
+using morvane::test::kWeek;
+using morvane::test::MediaFixture;
+using morvane::test::pngBytes;
+namespace fs = std::filesystem;
+
+namespace {
+
+class ZBImageCutTest : public MediaFixture {
+  protected:
+    // Saves a small PNG under the names derived from the address; true when saved.
+    bool save(ZBImageCut& cut, std::string_view address, std::string_view stamp, bool* called = nullptr) {
+        cut.setFileName(address);
+        return cut.saveImage(pngBytes(4, 4, gfx::Color::redColor()), cut.fileName(), cut.dirName(), stamp,
+                             [called](const gfx::Image& image, bool flag) {
+                                 if (called) *called = !image.isNull() && flag;
+                             });
+    }
+    std::string pathOf(const ZBImageCut& cut) const {
+        return ZBImageCut::currentPath2(cut.dirName(), cut.fileName());
+    }
+    std::string modificationStamp(const std::string& path) const {
+        return Dates::stamp(*sys::Files::modificationDate(path));
+    }
+};
+
+} // namespace
+
+// The names the cache derives from addresses, on the cases that decide them:
+// scheme and host dropped, percent texts cleaned, queries cut, "img" alone
+// for an address without "/", nothing for an empty last component.
+TEST_F(ZBImageCutTest, NamesComeFromTheCleanedAddress) {
+    ZBImageCut cut;
+    cut.setFileName("https://cdn.example.com/images/food/soup.png?x=1");
+    EXPECT_EQ(cut.dirName(), "img/images/food");
+    EXPECT_EQ(cut.fileName(), "soup.png");
+
+    cut.setFileName("menu%2Fhot%20soup,large.png");
+    EXPECT_EQ(cut.dirName(), "img/menu");
+    EXPECT_EQ(cut.fileName(), "hot-souplarge.png");
+
+    cut.setFileName("logo.png");
+    EXPECT_EQ(cut.dirName(), "img");
+    EXPECT_EQ(cut.fileName(), "logo.png");
+
+    cut.setFileName("http://h.com/a/b.v2/c/");
+    EXPECT_EQ(cut.dirName(), "img/a/c") << "components with a dot are dropped";
+    EXPECT_EQ(cut.fileName(), "");
+    EXPECT_FALSE(cut.isCacheable()) << "an empty file name names the folder itself";
+
+    cut.setFileName(std::nullopt);
+    EXPECT_EQ(cut.dirName(), "img");
+    EXPECT_EQ(cut.fileName(), "");
+
+    EXPECT_EQ(ZBImageCut::filterPath("%2F%20,%2f"), "/-%2f") << "exact, case-sensitive replacements";
+    EXPECT_EQ(ZBImageCut::currentPath2(std::nullopt, "x.png"), documents.string());
+    EXPECT_EQ(ZBImageCut::currentPath2("img", "x.png"), (documents / "img" / "x.png").string());
+}
+
+// Stamps are compared on 19 characters, as texts.
+TEST_F(ZBImageCutTest, StampsAreCutToNineteenCharacters) {
+    EXPECT_EQ(ZBImageCut::cut("2024.01.01T10:00:00.750+0100"), "2024.01.01T10:00:00");
+    EXPECT_EQ(ZBImageCut::cut("2024.01"), "2024.01");
+    EXPECT_EQ(ZBImageCut::textToDate("2024.01.01T00:00:00.999"), kJan2024);
+    EXPECT_FALSE(ZBImageCut::textToDate("2024.13.01T00:00:00"));
+    EXPECT_FALSE(ZBImageCut::textToDate(""));
+}
+
+// The four-week rule to the second: a stamp exactly four weeks old is not
+// older; one second more is. The day-only test ignores the time of day.
+TEST_F(ZBImageCutTest, FourWeekAgeTestHoldsToTheSecond) {
+    useManualClock(kJan2024 + 12 * 3600); // 2024.01.01T12:00:00
+    EXPECT_EQ(ZBImageCut::now(0), "2024.01.01T12:00:00");
+    EXPECT_EQ(ZBImageCut::now(-4), "2023.12.04T12:00:00");
+    EXPECT_EQ(ZBImageCut::now(-8), "2023.11.06T12:00:00");
+    EXPECT_EQ(ZBImageCut::now(1), "2024.01.08T12:00:00");
+
+    EXPECT_FALSE(ZBImageCut::dateCompare("2023.12.04T12:00:00", true));
+    EXPECT_EQ(ZBImageCut::dateCompare("2023.12.04T11:59:59", true), "2023.12.04T12:00:00");
+    EXPECT_FALSE(ZBImageCut::dateCompare("2023.12.04T00:00:00", false)) << "same day counts as not older";
+    EXPECT_EQ(ZBImageCut::dateCompare("2023.12.03T23:59:59", false), "2023.12.04T12:00:00");
+}
+
+// Calendar weeks keep the clock time across a daylight-saving change.
+TEST_F(ZBImageCutTest, WeeksAreCalendarWeeksInTheCurrentZone) {
+    Dates::setTimeZone("Europe/Berlin");
+    useManualClock(1711965600); // 2024.04.01T12:00:00 in Berlin (summer time)
+    EXPECT_EQ(ZBImageCut::now(-4), "2024.03.04T12:00:00") << "winter time four weeks before";
+}
+
+// Saving: an old stamp is stored as four weeks ago, a recent one as given,
+// and with changeDate off every stamp as given (and nothing is swept). The creation date is the
+// moment of the save.
+TEST_F(ZBImageCutTest, SavesDateFilesByTheFourWeekRule) {
+    useManualClock(kJan2024);
+    ZBImageCut cut;
+    bool called = false;
+    ASSERT_TRUE(save(cut, "http://h.com/menu/old.png", "2020.05.05T05:05:05", &called));
+    EXPECT_TRUE(called);
+    EXPECT_EQ(modificationStamp(pathOf(cut)), "2023.12.04T00:00:00");
+    EXPECT_EQ(*ZBImageCut::fileDate(cut.dirName(), cut.fileName()), "2024.01.01T00:00:00");
+
+    ASSERT_TRUE(save(cut, "http://h.com/menu/new.png", "2023.12.20T08:00:00.5"));
+    EXPECT_EQ(modificationStamp(pathOf(cut)), "2023.12.20T08:00:00");
+
+    cut.setChangeDate(false);
+    ASSERT_TRUE(save(cut, "http://h.com/menu/kept.png", "2020.05.05T05:05:05"));
+    EXPECT_EQ(modificationStamp(pathOf(cut)), "2020.05.05T05:05:05");
+    advance(9 * kWeek);
+    cut.cleanup();
+    EXPECT_TRUE(fs::exists(pathOf(cut))) << "and the sweep is off";
+}
+
+// Reading a file created over four weeks ago (by its day) moves its
+// modification date to four weeks ago and leaves its creation alone.
+TEST_F(ZBImageCutTest, ReadingAnOldFileMovesItsStampForward) {
+    useManualClock(kJan2024);
+    ZBImageCut cut;
+    ASSERT_TRUE(save(cut, "http://h.com/a/pic.png", "2023.12.31T00:00:00"));
+    advance(4 * kWeek + 86400 - 1); // the day before is still the same day four weeks on
+    ASSERT_TRUE(cut.imageRead(cut.dirName(), cut.fileName(), "ignored"));
+    EXPECT_EQ(modificationStamp(pathOf(cut)), "2023.12.31T00:00:00");
+
+    advance(1);
+    auto bytes = cut.imageRead(cut.dirName(), cut.fileName(), "ignored");
+    ASSERT_TRUE(bytes);
+    EXPECT_EQ(*bytes, pngBytes(4, 4, gfx::Color::redColor()));
+    EXPECT_EQ(modificationStamp(pathOf(cut)), "2024.01.02T00:00:00");
+    EXPECT_EQ(*ZBImageCut::fileDate(cut.dirName(), cut.fileName()), "2024.01.01T00:00:00");
+    EXPECT_FALSE(cut.imageRead("img", "missing.png", ""));
+}
+
+// The sweep removes files created more than eight weeks ago, to the second,
+// logging each, and touches nothing outside the cache folders.
+TEST_F(ZBImageCutTest, SweepDeletesOnlyOldFilesInsideTheCacheFolders) {
+    useManualClock(kJan2024);
+    ZBImageCut cut;
+    ASSERT_TRUE(save(cut, "http://h.com/x/old.png", ""));
+    const std::string old = pathOf(cut);
+    ASSERT_TRUE(sys::Files::createFolder(documents / "toskar" / "h.com"));
+    ASSERT_TRUE(sys::Files::write(documents / "toskar" / "h.com" / "t.png", std::string_view("t")));
+    ASSERT_TRUE(sys::Files::write(documents / "notes.txt", std::string_view("the app's own")));
+    advance(1);
+    ASSERT_TRUE(save(cut, "http://h.com/x/younger.png", ""));
+
+    advance(8 * kWeek - 1);
+    {
+        sys::Log::Capture log;
+        cut.cleanup();
+        EXPECT_TRUE(log.texts().empty()) << "exactly eight weeks old is not older";
+    }
+    advance(1);
+    sys::Log::Capture log;
+    cut.cleanup();
+    EXPECT_FALSE(fs::exists(old));
+    EXPECT_FALSE(fs::exists(documents / "toskar" / "h.com" / "t.png"));
+    EXPECT_TRUE(fs::exists(pathOf(cut)));
+    EXPECT_TRUE(fs::exists(documents / "notes.txt"));
+    const std::vector<std::string> expected = {"File: " + old, "Date: 2024.01.01T00:00:00", "Del: " + old,
+                                               "Deleted file: " + old};
+    auto lines = log.texts();
+    ASSERT_GE(lines.size(), 4u);
+    EXPECT_EQ(std::vector<std::string>(lines.begin(), lines.begin() + 4), expected);
+
+    // Pointed at the documents folder itself, the sweep still keeps to the cache folders.
+    advance(20 * kWeek);
+    ZBImageCut::traverseDirectoryAtPath(documents.string());
+    EXPECT_TRUE(fs::exists(documents / "notes.txt"));
+    EXPECT_FALSE(fs::exists(pathOf(cut)));
+    EXPECT_FALSE(ZBImageCut::removeFileAtPath((documents / "notes.txt").string()));
+    EXPECT_TRUE(fs::exists(documents / "notes.txt"));
+}
+
+// Bytes that are not a picture are never cached, and no callback runs.
+TEST_F(ZBImageCutTest, UndecodableBytesAreNotSaved) {
+    ZBImageCut cut;
+    cut.setFileName("http://h.com/a/fake.png");
+    bool called = false;
+    EXPECT_FALSE(cut.saveImage("<html>not found</html>", cut.fileName(), cut.dirName(), "",
+                               [&](const gfx::Image&, bool) { called = true; }));
+    EXPECT_FALSE(called);
+    EXPECT_TRUE(filesBelowRoot().empty());
+}
+
+// A reader holding the old file keeps reading all of the old bytes while the
+// cache replaces it; new readers get all of the new bytes, never a mix.
+TEST_F(ZBImageCutTest, ReplacementIsAtomicForReadersThatHoldTheFile) {
+    ZBImageCut cut;
+    cut.setFileName("http://h.com/a/pic.png");
+    const std::string first = pngBytes(300, 300, gfx::Color::redColor());
+    const std::string second = pngBytes(200, 100, gfx::Color::blueColor());
+    ASSERT_TRUE(cut.saveImage(first, cut.fileName(), cut.dirName(), "", nullptr));
+    const std::string path = pathOf(cut);
+
+    const int fd = ::open(path.c_str(), O_RDONLY);
+    ASSERT_GE(fd, 0);
+    char head[10];
+    ASSERT_EQ(::read(fd, head, sizeof head), ssize_t(sizeof head));
+    ASSERT_TRUE(cut.saveImage(second, cut.fileName(), cut.dirName(), "", nullptr));
+    std::string rest;
+    char buffer[4096];
+    for (ssize_t n; (n = ::read(fd, buffer, sizeof buffer)) > 0;)
+        rest.append(buffer, size_t(n));
+    ::close(fd);
+    EXPECT_EQ(std::string(head, sizeof head) + rest, first);
+    EXPECT_EQ(*sys::Files::read(path), second);
+    EXPECT_EQ(filesBelowRoot().size(), 1u) << "no temporary file left behind";
+}
+
+// Hostile addresses: whatever the names, nothing is ever written outside the
+// cache folders. Unsafe names are refused with a log line; long ones shortened.
+TEST_F(ZBImageCutTest, HostileAddressesNeverLeaveTheCacheFolders) {
+    const std::vector<std::string> corpus = {
+        "http://h.com/a/..",
+        "http://h.com/a/.",
+        "..",
+        "%2F..%2F..%2Fescape.png",
+        "http://h.com/%2e%2e/%2e%2e/x.png",
+        "http://h.com/a%252F..%252F..%252Fx.png",
+        "http://h.com/a\\..\\..\\x.png",
+        std::string("http://h.com/a/x\0y.png", 22),
+        "http://h.com/" + std::string(300, 'a') + "/pic.png",
+        "http://h.com/a/" + std::string(400, 'b') + ".png",
+        "http://h.com/" + std::string(2000, '/') + "x.png",
+        "/etc/passwd",
+        "file:///etc/passwd",
+        "http://h.com/a/pic.png?../../../x",
+        "http://h.com/a/%2F%2F%2F",
+        "http://h.com/a/%2F..",
+    };
+    sys::Log::Capture log;
+    for (const auto& address : corpus) {
+        ZBImageCut cut;
+        cut.setFileName(address);
+        cut.saveImage(pngBytes(2, 2, gfx::Color::redColor()), cut.fileName(), cut.dirName(), "", nullptr);
+    }
+    for (const auto& file : filesBelowRoot()) {
+        EXPECT_TRUE(file.rfind("Documents/img/", 0) == 0) << file;
+        for (const auto& part : fs::path(file))
+            EXPECT_LE(part.string().size(), 255u) << file;
+    }
+
+    ZBImageCut cut;
+    cut.setFileName("http://h.com/a/" + std::string(400, 'b') + ".png");
+    EXPECT_TRUE(cut.isCacheable());
+    EXPECT_EQ(cut.fileName().size(), 255u);
+    EXPECT_TRUE(cut.fileName().ends_with(".png"));
+    ZBImageCut other;
+    other.setFileName("http://h.com/a/" + std::string(400, 'b') + "c.png");
+    EXPECT_NE(cut.fileName(), other.fileName()) << "the hash tells long names apart";
+
+    cut.setDirName("../outside");
+    EXPECT_FALSE(cut.isCacheable());
+    EXPECT_FALSE(cut.saveImage(pngBytes(2, 2, gfx::Color::redColor()), "x.png", "../outside", "", nullptr));
+    EXPECT_FALSE(fs::exists(root / "outside"));
+    bool logged = false;
+    for (const auto& line : log.texts())
+        logged = logged || line.rfind("Picture not cached", 0) == 0;
+    EXPECT_TRUE(logged);
+}
+
+// A link planted inside the cache that points elsewhere is not followed.
+TEST_F(ZBImageCutTest, LinksInsideTheCacheAreNotFollowed) {
+    fs::create_directories(documents / "img");
+    fs::create_directories(root / "elsewhere");
+    fs::create_directory_symlink(root / "elsewhere", documents / "img" / "a");
+    ZBImageCut cut;
+    cut.setFileName("http://h.com/a/pic.png");
+    EXPECT_FALSE(
+        cut.saveImage(pngBytes(2, 2, gfx::Color::redColor()), cut.fileName(), cut.dirName(), "", nullptr));
+    EXPECT_TRUE(fs::is_empty(root / "elsewhere"));
+}
