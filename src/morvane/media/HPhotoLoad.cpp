@@ -3,6 +3,7 @@
 #include <morvane/media/ResourcePictures.h>
 #include <morvane/media/ZBImageCut.h>
 #include <morvane/media/detail/CachePaths.h>
+#include <morvane/media/detail/Download.h>
 #include <morvane/media/detail/SingleFlight.h>
 #include <morvane/sys/App.h>
 #include <morvane/sys/Clock.h>
@@ -28,10 +29,6 @@ std::vector<std::string_view> split(std::string_view text) {
         if (slash == std::string_view::npos) return parts;
         start = slash + 1;
     }
-}
-
-std::span<const std::uint8_t> asBytes(const std::string& text) {
-    return {reinterpret_cast<const std::uint8_t*>(text.data()), text.size()};
 }
 
 bool insideDocuments(const std::string& path) {
@@ -66,16 +63,8 @@ void download(const std::string& address, const std::string& trgImage, const std
     const auto target = safeTarget(trgImage, &reason);
     const std::string key = target ? "\t" + *target : "\n" + address;
     auto work = [&]() -> gfx::Image {
-        sys::FetchResult result = sys::fetch(address);
-        if (!result) {
-            sys::Log::platform("Got an error: " + result.error);
-            return {};
-        }
-        gfx::Image image = gfx::Image::fromData(asBytes(result.body), 1.0);
-        if (image.isNull()) {
-            sys::Log::platform("Not a picture, not cached: " + address);
-            return {};
-        }
+        auto [image, bytes] = detail::downloadPicture(address);
+        if (image.isNull()) return {};
         if (!target) {
             sys::Log::platform("Picture not cached (" + reason + "): " + address);
             return image;
@@ -87,7 +76,7 @@ void download(const std::string& address, const std::string& trgImage, const std
             return {};
         }
         std::string error;
-        if (!sys::Files::write(path, result.body, &error)) {
+        if (!sys::Files::write(path, bytes, &error)) {
             sys::Log::platform("Got an error: " + error);
             return {};
         }
@@ -122,7 +111,7 @@ void HPhotoLoad::setData(std::string_view address, std::string_view date, Callba
                 return;
             }
             auto bytes = FRead(*target, {});
-            if (local) local(bytes ? gfx::Image::fromData(asBytes(*bytes), 1.0) : gfx::Image(), trgImage_);
+            if (local) local(bytes ? detail::decodePicture(*bytes) : gfx::Image(), trgImage_);
             return;
         }
     }

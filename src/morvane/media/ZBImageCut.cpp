@@ -1,6 +1,7 @@
 #include <morvane/media/ImageColor.h>
 #include <morvane/media/ZBImageCut.h>
 #include <morvane/media/detail/CachePaths.h>
+#include <morvane/media/detail/Download.h>
 #include <morvane/sys/App.h>
 #include <morvane/sys/Clock.h>
 #include <morvane/sys/Files.h>
@@ -50,10 +51,6 @@ std::string shortenedPath(std::string_view relative) {
 
 std::string_view dayOf(std::string_view stamp) {
     return stamp.substr(0, stamp.find('T'));
-}
-
-std::span<const std::uint8_t> asBytes(std::string_view text) {
-    return {reinterpret_cast<const std::uint8_t*>(text.data()), text.size()};
 }
 
 } // namespace
@@ -196,7 +193,7 @@ std::optional<std::string> ZBImageCut::imageRead(std::string_view dir, std::stri
 
 bool ZBImageCut::saveImage(std::string_view bytes, std::string_view fname, std::string_view dir,
                            std::string_view stamp, const Callback& local) const {
-    const gfx::Image image = gfx::Image::fromData(asBytes(bytes), 1.0);
+    const gfx::Image image = detail::decodePicture(bytes);
     if (image.isNull()) {
         sys::Log::platform("Not a picture, not cached: " + currentPath2(dir, fname));
         return false;

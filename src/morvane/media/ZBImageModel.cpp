@@ -2,6 +2,7 @@
 #include <morvane/media/ResourcePictures.h>
 #include <morvane/media/ZBImageModel.h>
 #include <morvane/media/detail/CachePaths.h>
+#include <morvane/media/detail/Download.h>
 #include <morvane/media/detail/MemoryCache.h>
 #include <morvane/media/detail/SingleFlight.h>
 #include <morvane/sys/Fetch.h>
@@ -12,10 +13,6 @@ namespace morvane {
 
 namespace {
 
-std::span<const std::uint8_t> asBytes(const std::string& text) {
-    return {reinterpret_cast<const std::uint8_t*>(text.data()), text.size()};
-}
-
 // The cached picture of the cache's current names when the file exists and
 // was created no earlier than the stamp: the image (null when the bytes do
 // not decode). Nothing when there is no usable file.
@@ -23,7 +20,7 @@ std::optional<gfx::Image> freshFromFile(const ZBImageCut& cut, const std::string
     const auto created = ZBImageCut::fileDate(cut.dirName(), cut.fileName());
     if (!created || *created < stamp) return std::nullopt;
     auto bytes = cut.imageRead(cut.dirName(), cut.fileName(), stamp);
-    gfx::Image image = bytes ? gfx::Image::fromData(asBytes(*bytes), 1.0) : gfx::Image();
+    gfx::Image image = bytes ? detail::decodePicture(*bytes) : gfx::Image();
     if (image.isNull()) {
         // A damaged file would be served broken until the sweep; dropping it
         // lets the next request download the picture again.
@@ -40,18 +37,10 @@ void download(const ZBImageCut& cut, const std::string& address, const std::stri
     const bool cacheable = cut.isCacheable(&reason);
     const std::string key = cacheable ? cut.dirName() + "/" + cut.fileName() : "\n" + address;
     auto work = [&]() -> gfx::Image {
-        sys::FetchResult result = sys::fetch(address);
-        if (!result) {
-            sys::Log::platform("Got an error: " + result.error);
-            return {};
-        }
-        gfx::Image image = gfx::Image::fromData(asBytes(result.body), 1.0);
-        if (image.isNull()) {
-            sys::Log::platform("Not a picture, not cached: " + address);
-            return {};
-        }
+        auto [image, bytes] = detail::downloadPicture(address);
+        if (image.isNull()) return {};
         if (cacheable) {
-            if (!cut.storeImage(result.body, image, cut.fileName(), cut.dirName(), stamp)) return {};
+            if (!cut.storeImage(bytes, image, cut.fileName(), cut.dirName(), stamp)) return {};
         } else {
             sys::Log::platform("Picture not cached (" + reason + "): " + address);
         }
