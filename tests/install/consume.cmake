@@ -18,3 +18,12 @@ if(rc)
   message(FATAL_ERROR "consumer run failed: ${rc} ${out}")
 endif()
 message(STATUS "consumer says: ${out}")
+
+# The tools are installed with the library and run from there.
+if(EXISTS ${WORK_DIR}/prefix/bin/morvane-tree)
+  execute_process(COMMAND ${WORK_DIR}/prefix/bin/morvane-tree valKey: city
+    INPUT_FILE ${CONSUMER_DIR}/sample.json RESULT_VARIABLE rc OUTPUT_VARIABLE out)
+  if(rc OR NOT out STREQUAL "\"Oslo\"\n")
+    message(FATAL_ERROR "installed morvane-tree failed: ${rc} ${out}")
+  endif()
+endif()

@@ -139,7 +139,7 @@ constexpr unsigned kBaseFlags = rapidjson::kParseInsituFlag | rapidjson::kParseV
 constexpr std::size_t kFastPathMaxDepth = 1024;
 // A parser's buffers grow to about ten times the largest text it has read;
 // one that grew beyond this is released after use instead of kept.
-constexpr std::size_t kKeptParserCapacity = 256 * 1024;
+constexpr std::size_t kKeptParserCapacity = 64 * 1024;
 
 class FastConverter {
   public:

@@ -38,17 +38,22 @@ const Value* pullFromList(const List& list, std::string_view key) {
 }
 
 // The pulled texts of `keys` joined by `gap`; values that are not texts
-// count as not found.
-std::string joinPulled(const Node& source, const List& keys, std::string_view gap) {
+// count as not found. pullTxt puts the gap down only after a non-empty text
+// so far; the template's key lists put it between every two found texts.
+enum class Gap { AfterNonEmptyText, BetweenFoundTexts };
+
+std::string joinPulled(const Node& source, const List& keys, std::string_view gap, Gap rule) {
     std::string out;
+    bool foundBefore = false;
     for (const Value& key : keys) {
         const std::string* name = key.text();
         if (!name) continue;
         const Value* found = pullFromNode(source, *name);
         const std::string* text = found ? found->text() : nullptr;
         if (!text) continue;
-        if (!out.empty()) out += gap;
+        if (rule == Gap::AfterNonEmptyText ? !out.empty() : foundBefore) out += gap;
         out += *text;
+        foundBefore = true;
     }
     return out;
 }
@@ -80,7 +85,7 @@ Value Node::pullArray(const ListPtr& list, std::string_view k) const {
 }
 
 std::string Node::pullTxt(const ListPtr& keys, std::string_view gap) const {
-    return keys ? joinPulled(*this, *keys, gap) : std::string();
+    return keys ? joinPulled(*this, *keys, gap, Gap::AfterNonEmptyText) : std::string();
 }
 
 void Node::pullIt(const NodePtr& templ, std::string_view gap) const {
@@ -114,7 +119,7 @@ void Node::pullIt(const NodePtr& templ, std::string_view gap) const {
                 }
             }
         } else if (const ListPtr& keys = spec.list()) {
-            templ->set(key, Value(joinPulled(*this, *keys, gap)));
+            templ->set(key, Value(joinPulled(*this, *keys, gap, Gap::BetweenFoundTexts)));
         }
     }
 }

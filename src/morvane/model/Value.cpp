@@ -6,6 +6,8 @@
 
 namespace morvane {
 
+static_assert(sizeof(Value) == 24, "a Value is three words; see Value::TextBox");
+
 Value::Value(NodePtr node) {
     if (node) data_ = std::move(node);
 }
@@ -16,30 +18,6 @@ Value::Value(ListPtr list) {
 
 Value::Value(std::shared_ptr<Object> object) {
     if (object) data_ = std::move(object);
-}
-
-const std::string& Value::textOr() const {
-    static const std::string empty;
-    const auto* t = text();
-    return t ? *t : empty;
-}
-
-const NodePtr& Value::node() const {
-    static const NodePtr none;
-    const auto* n = std::get_if<NodePtr>(&data_);
-    return n ? *n : none;
-}
-
-const ListPtr& Value::list() const {
-    static const ListPtr none;
-    const auto* l = std::get_if<ListPtr>(&data_);
-    return l ? *l : none;
-}
-
-const std::shared_ptr<Object>& Value::objectPtr() const {
-    static const std::shared_ptr<Object> none;
-    const auto* o = std::get_if<std::shared_ptr<Object>>(&data_);
-    return o ? *o : none;
 }
 
 std::string Value::toText() const {

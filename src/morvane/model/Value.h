@@ -48,9 +48,9 @@ class Value {
     Value(unsigned long number) : data_(Number{static_cast<double>(number), false}) {}
     Value(unsigned long long number) : data_(Number{static_cast<double>(number), false}) {}
     Value(bool flag) : data_(Number{flag ? 1.0 : 0.0, true}) {}
-    Value(std::string text) : data_(std::move(text)) {}
-    Value(std::string_view text) : data_(std::string(text)) {}
-    Value(const char* text) : data_(std::string(text ? text : "")) {}
+    Value(std::string text) : data_(TextBox(std::move(text))) {}
+    Value(std::string_view text) : data_(TextBox(std::string(text))) {}
+    Value(const char* text) : data_(TextBox(std::string(text ? text : ""))) {}
     Value(NodePtr node);
     Value(ListPtr list);
     Value(std::shared_ptr<Object> object);
@@ -82,13 +82,28 @@ class Value {
     double number() const { return isNumber() ? std::get<Number>(data_).value : 0.0; }
     bool boolean() const { return number() != 0.0; }
     // The text, or nullptr when this is not a text.
-    const std::string* text() const { return std::get_if<std::string>(&data_); }
+    const std::string* text() const {
+        const auto* box = std::get_if<TextBox>(&data_);
+        return box ? &box->get() : nullptr;
+    }
     // The text, or "" when this is not a text.
-    const std::string& textOr() const;
-    // The Node or list, or nullptr.
-    const NodePtr& node() const;
-    const ListPtr& list() const;
-    const std::shared_ptr<Object>& objectPtr() const;
+    const std::string& textOr() const {
+        const auto* box = std::get_if<TextBox>(&data_);
+        return box ? box->get() : kNoText;
+    }
+    // The Node or list, or nullptr. (Inline: the tree walks ask every value.)
+    const NodePtr& node() const {
+        const auto* n = std::get_if<NodePtr>(&data_);
+        return n ? *n : kNoNode;
+    }
+    const ListPtr& list() const {
+        const auto* l = std::get_if<ListPtr>(&data_);
+        return l ? *l : kNoList;
+    }
+    const std::shared_ptr<Object>& objectPtr() const {
+        const auto* o = std::get_if<std::shared_ptr<Object>>(&data_);
+        return o ? *o : kNoObject;
+    }
     // The carried object if it is a T, or nullptr.
     template <typename T> const T* as() const {
         auto* boxed = dynamic_cast<const Boxed<T>*>(objectPtr().get());
@@ -112,7 +127,36 @@ class Value {
         double value;
         bool fromBool;
     };
-    std::variant<std::monostate, Null, Number, std::string, NodePtr, ListPtr, std::shared_ptr<Object>> data_;
+    // A text lives on the heap so that a Value stays three words long: most
+    // values of a tree are numbers, Nodes and lists, and walks and memory
+    // pay for every byte of every value.
+    class TextBox {
+      public:
+        explicit TextBox(std::string text) : text_(new std::string(std::move(text))) {}
+        TextBox(const TextBox& other) : text_(new std::string(other.get())) {}
+        TextBox(TextBox&& other) noexcept : text_(std::exchange(other.text_, nullptr)) {}
+        TextBox& operator=(const TextBox& other) {
+            if (this != &other) *this = TextBox(other);
+            return *this;
+        }
+        TextBox& operator=(TextBox&& other) noexcept {
+            std::swap(text_, other.text_);
+            return *this;
+        }
+        ~TextBox() { delete text_; }
+        // A moved-from box reads as the empty text.
+        const std::string& get() const { return text_ ? *text_ : kNoText; }
+
+      private:
+        std::string* text_;
+    };
+
+    static inline const std::string kNoText;
+    static inline const NodePtr kNoNode;
+    static inline const ListPtr kNoList;
+    static inline const std::shared_ptr<Object> kNoObject;
+
+    std::variant<std::monostate, Null, Number, TextBox, NodePtr, ListPtr, std::shared_ptr<Object>> data_;
 };
 
 } // namespace morvane

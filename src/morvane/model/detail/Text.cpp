@@ -31,11 +31,40 @@ int compareText(std::string_view a, std::string_view b) {
     return x < y ? -1 : 1;
 }
 
+namespace {
+bool isAscii(std::string_view text) {
+    return std::all_of(text.begin(), text.end(), [](char c) { return static_cast<unsigned char>(c) < 0x80; });
+}
+char asciiLower(char c) {
+    return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c;
+}
+} // namespace
+
+// An ASCII text lowercases to ASCII, byte for byte, so the keys met by the
+// walks (nearly always ASCII) are compared without building a lowered copy.
+bool likeLowered(std::string_view text, std::string_view loweredNeedle) {
+    if (loweredNeedle.empty()) return false;
+    if (isAscii(text)) {
+        const auto at = std::search(text.begin(), text.end(), loweredNeedle.begin(), loweredNeedle.end(),
+                                    [](char a, char b) { return asciiLower(a) == b; });
+        return at != text.end();
+    }
+    return lowercase(text).find(loweredNeedle) != std::string::npos;
+}
+
+bool equalsCaseFreeLowered(std::string_view text, std::string_view loweredOther) {
+    if (isAscii(text))
+        return text.size() == loweredOther.size() &&
+               std::equal(text.begin(), text.end(), loweredOther.begin(),
+                          [](char a, char b) { return asciiLower(a) == b; });
+    return lowercase(text) == loweredOther;
+}
+
 std::string lowercase(std::string_view text) {
-    if (std::all_of(text.begin(), text.end(), [](char c) { return static_cast<unsigned char>(c) < 0x80; })) {
+    if (isAscii(text)) {
         std::string out(text);
         for (char& c : out)
-            if (c >= 'A' && c <= 'Z') c = static_cast<char>(c - 'A' + 'a');
+            c = asciiLower(c);
         return out;
     }
     icu::UnicodeString wide =

@@ -33,17 +33,13 @@ inline bool containsText(std::string_view text, std::string_view needle) {
 
 // "like": text, lowercased, contains needle, lowercased. The needle is taken
 // as already lowercased, so a walk lowercases it once.
-inline bool likeLowered(std::string_view text, std::string_view loweredNeedle) {
-    return !loweredNeedle.empty() && lowercase(text).find(loweredNeedle) != std::string::npos;
-}
+bool likeLowered(std::string_view text, std::string_view loweredNeedle);
 inline bool isLike(std::string_view text, std::string_view needle) {
     return likeLowered(text, lowercase(needle));
 }
 
 // Equal after both are lowercased; the second text already lowercased.
-inline bool equalsCaseFreeLowered(std::string_view text, std::string_view loweredOther) {
-    return lowercase(text) == loweredOther;
-}
+bool equalsCaseFreeLowered(std::string_view text, std::string_view loweredOther);
 
 // Splits at every occurrence of a non-empty separator (empty pieces kept).
 std::vector<std::string_view> splitText(std::string_view text, std::string_view separator);
