@@ -34,14 +34,16 @@ double median(std::vector<double> values) {
     return values[values.size() / 2];
 }
 
-// Milliseconds per run of `work`, median over `runs`.
-double timeMedian(int runs, const std::function<void()>& work) {
+// Milliseconds per run of `work`, median over `runs`; the fastest run goes to
+// `fastest` when given (on a shared machine it shows the cost without waiting).
+double timeMedian(int runs, const std::function<void()>& work, double* fastest = nullptr) {
     std::vector<double> times;
     for (int i = 0; i < runs; ++i) {
         auto start = Clock::now();
         work();
         times.push_back(std::chrono::duration<double, std::milli>(Clock::now() - start).count());
     }
+    if (fastest) *fastest = *std::min_element(times.begin(), times.end());
     return median(times);
 }
 
@@ -168,7 +170,9 @@ int main(int argc, char** argv) {
     Canvas& canvas = frame.canvas();
     for (int i = 0; i < 5; ++i)
         drawFrame(canvas, tiles, true); // warm caches and pages
-    double frameMs = timeMedian(60, [&] { drawFrame(canvas, tiles, true); });
+    double fastestFrameMs = 0;
+    double frameMs = timeMedian(
+        100, [&] { drawFrame(canvas, tiles, true); }, &fastestFrameMs);
     double uncachedMs = timeMedian(20, [&] { drawFrame(canvas, tiles, false); });
     drawFrame(canvas, tiles, true);
     Image shot = frame.image();
@@ -199,9 +203,9 @@ int main(int argc, char** argv) {
         out.write(reinterpret_cast<const char*>(png.data()), static_cast<std::streamsize>(png.size()));
     }
 
-    std::printf("frame %d x %d pixels: median %.3f ms with cached pictures, %.3f ms scaling the pictures "
-                "each frame\n",
-                shot.pixelWidth(), shot.pixelHeight(), frameMs, uncachedMs);
+    std::printf("frame %d x %d pixels: median %.3f ms (fastest %.3f ms) with cached pictures, %.3f ms median "
+                "scaling the pictures each frame\n",
+                shot.pixelWidth(), shot.pixelHeight(), frameMs, fastestFrameMs, uncachedMs);
     std::printf("PNG  encode %.2f ms (%zu bytes), decode %.2f ms\n", pngEncodeMs, png.size(), pngDecodeMs);
     std::printf("JPEG encode %.2f ms (%zu bytes, quality 0.8), decode %.2f ms; round trips %s\n",
                 jpegEncodeMs, jpeg.size(), jpegDecodeMs, roundTrips ? "ok" : "FAILED");

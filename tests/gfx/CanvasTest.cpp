@@ -255,3 +255,25 @@ TEST(Canvas, paths_fill_with_the_chosen_rule) {
     Path rounded = Path::roundedRect(Rect{0, 0, 10, 4}, 50);
     EXPECT_EQ(rounded.bounds(), (Rect{0, 0, 10, 4})) << "radius limited to half the short side";
 }
+
+// A host (the window) hands its own pixel buffer: drawing lands in it in
+// native 32-bit ARGB, premultiplied, row by row with the host's stride.
+TEST(Canvas, draws_into_pixels_the_host_owns) {
+    constexpr int width = 6, height = 4, stride = 32; // padded rows
+    std::vector<std::uint32_t> pixels(stride / 4 * height, 0);
+    auto canvas =
+        Canvas::overPixels(reinterpret_cast<std::uint8_t*>(pixels.data()), width, height, stride, 2);
+    ASSERT_NE(canvas, nullptr);
+    EXPECT_EQ(canvas->size(), (Size{3, 2}));
+    canvas->fillRect(Rect{1, 1, 2, 1}, Color(1, 0, 0, 0.5));
+    canvas.reset(); // flushes into the buffer
+    EXPECT_EQ(pixels[0], 0u);
+    std::uint32_t p = pixels[2 * (stride / 4) + 2]; // pixel (2, 2)
+    EXPECT_EQ(p >> 24, 128u);
+    EXPECT_EQ((p >> 16) & 0xff, 128u) << "premultiplied red";
+    EXPECT_EQ(p & 0xffff, 0u);
+    EXPECT_EQ(pixels[2 * (stride / 4) + 6], 0u) << "row padding untouched";
+    EXPECT_EQ(Canvas::overPixels(nullptr, 4, 4, 16, 1), nullptr);
+    EXPECT_EQ(Canvas::overPixels(reinterpret_cast<std::uint8_t*>(pixels.data()), 9, 4, 32, 1), nullptr)
+        << "stride too small";
+}

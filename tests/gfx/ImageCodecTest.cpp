@@ -205,6 +205,7 @@ TEST(ImageCodec, bad_input_gives_no_image_and_a_reason) {
                     .isNull());
 
     EXPECT_TRUE(Image::fromFile("/nonexistent/picture.png", 1, &error).isNull());
+    EXPECT_TRUE(Image::fromFile(MORVANE_SOURCE_DIR, 1, &error).isNull()) << "a directory";
     EXPECT_TRUE(Image::blank(0, 10).isNull());
     EXPECT_TRUE(Image::blank(-3, -3).isNull());
     EXPECT_TRUE(Image().pngData().empty());

@@ -253,14 +253,17 @@ void Canvas::endTransparencyLayer(double alpha) {
     while (!impl_->stack.empty() && !impl_->stack.back().layer)
         restore();
     if (impl_->stack.empty()) return;
-    cairo_pop_group_to_source(impl_->cr);
+    // The group is taken as a pattern before the restore: the source is part
+    // of the saved state, so a group set as source would be undone by it.
+    cairo_pattern_t* group = cairo_pop_group(impl_->cr);
     Impl::State outer = impl_->stack.back();
     impl_->stack.pop_back();
     cairo_restore(impl_->cr);
     impl_->state = outer;
     impl_->state.layer = false;
-    // The group is the source until the next drawing call sets another.
+    cairo_set_source(impl_->cr, group);
     cairo_paint_with_alpha(impl_->cr, clamp01(alpha) * impl_->state.alpha);
+    cairo_pattern_destroy(group);
 }
 
 // ---- Clipping ---------------------------------------------------------------
@@ -436,23 +439,32 @@ void Canvas::drawShadow(const Rect& shape, double cornerRadius, const Shadow& sh
     cairo_get_matrix(cr, &m);
     Point origin{r.x + shadow.offset.width, r.y + shadow.offset.height};
     if (m.xx == 1 && m.yy == 1 && m.xy == 0 && m.yx == 0) {
-        // The common case, an untransformed view: paint a device-resolution
-        // mask at a whole pixel position, which Cairo composites without
-        // resampling. A blurred edge does not show the sub-pixel shift.
-        detail::ShadowMask mask =
-            detail::deviceShadowMask(r.width, r.height, cornerRadius, sigma, impl_->scale);
-        if (mask.surface && mask.maskScale == impl_->scale) {
+        // The common case, an untransformed view: paint a cached shadow image
+        // at device resolution and a whole pixel position, which Cairo copies
+        // without resampling. A blurred edge does not show the sub-pixel shift.
+        Color tone = shadow.color.clamped();
+        double alpha = tone.alpha * clamp01(shadow.opacity);
+        std::uint32_t premultiplied =
+            std::uint32_t(Color::toByte(alpha)) << 24 | std::uint32_t(Color::toByte(tone.red * alpha)) << 16 |
+            std::uint32_t(Color::toByte(tone.green * alpha)) << 8 | Color::toByte(tone.blue * alpha);
+        detail::ShadowMask image =
+            detail::deviceShadowImage(r.width, r.height, cornerRadius, sigma, impl_->scale, premultiplied);
+        if (image.surface) {
             double s = impl_->scale;
-            double deviceX = std::round((m.x0 + origin.x - mask.padding) * s);
-            double deviceY = std::round((m.y0 + origin.y - mask.padding) * s);
-            cairo_pattern_t* pattern = cairo_pattern_create_for_surface(mask.surface);
+            double deviceX = std::round((m.x0 + origin.x - image.padding) * s);
+            double deviceY = std::round((m.y0 + origin.y - image.padding) * s);
+            cairo_pattern_t* pattern = cairo_pattern_create_for_surface(image.surface);
             cairo_matrix_t pm;
             cairo_matrix_init_translate(&pm, -(deviceX - m.x0 * s), -(deviceY - m.y0 * s));
             cairo_matrix_scale(&pm, s, s);
             cairo_pattern_set_matrix(pattern, &pm);
             cairo_pattern_set_filter(pattern, CAIRO_FILTER_FAST);
-            cairo_mask(cr, pattern);
+            cairo_set_source(cr, pattern);
             cairo_pattern_destroy(pattern);
+            if (impl_->state.alpha >= 1)
+                cairo_paint(cr);
+            else
+                cairo_paint_with_alpha(cr, impl_->state.alpha);
             return;
         }
     }

@@ -7,7 +7,6 @@
 #include <cmath>
 #include <cstring>
 #include <fstream>
-#include <iterator>
 
 namespace morvane::gfx {
 
@@ -197,12 +196,25 @@ Image Image::fromSVG(std::span<const std::uint8_t> bytes, Size size, double scal
 }
 
 Image Image::fromFile(const std::string& path, double scale, std::string* error) {
-    std::ifstream in(path, std::ios::binary);
+    std::ifstream in(path, std::ios::binary | std::ios::ate);
     if (!in) {
         setError(error, "cannot open " + path);
         return {};
     }
-    std::vector<std::uint8_t> bytes((std::istreambuf_iterator<char>(in)), std::istreambuf_iterator<char>());
+    // No picture under the pixel limit needs more bytes than this; a bigger
+    // file is not read into memory at all.
+    constexpr std::streamoff kMaxFileBytes = 512 << 20;
+    std::streamoff length = in.tellg();
+    if (length < 0 || length > kMaxFileBytes) {
+        setError(error, path + " is too large to be a picture");
+        return {};
+    }
+    std::vector<std::uint8_t> bytes(static_cast<std::size_t>(length));
+    in.seekg(0);
+    if (!in.read(reinterpret_cast<char*>(bytes.data()), length)) {
+        setError(error, "cannot read " + path);
+        return {};
+    }
     return fromData(bytes, scale, error);
 }
 

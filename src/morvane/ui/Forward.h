@@ -18,6 +18,7 @@ class ActivityIndicator;
 class SegmentedControl;
 class Toolbar;
 class BarButtonItem;
+class GestureRecognizer;
 class TapGestureRecognizer;
 class Renderer;
 class HeadlessHost;

@@ -7,6 +7,7 @@
 #include <morvane/ui/detail/Animator.h>
 
 #include <algorithm>
+#include <cmath>
 
 namespace morvane::ui {
 
@@ -21,6 +22,16 @@ gfx::Rect shadowExtent(const gfx::Rect& shape, const gfx::Shadow& shadow) {
     return shape.offsetBy(shadow.offset.width, shadow.offset.height).insetBy(-blur, -blur);
 }
 
+// A position or transform that is not a finite number would put the whole
+// canvas into an error state; such a view is skipped instead.
+bool isDrawable(const PresentationState& s) {
+    const gfx::Transform& t = s.transform;
+    for (double v : {s.center.x, s.center.y, s.bounds.x, s.bounds.y, s.bounds.width, s.bounds.height, t.a,
+                     t.b, t.c, t.d, t.tx, t.ty})
+        if (!std::isfinite(v)) return false;
+    return t.inverted().has_value();
+}
+
 } // namespace
 
 void Renderer::render(View& root, gfx::Canvas& canvas) {
@@ -29,7 +40,7 @@ void Renderer::render(View& root, gfx::Canvas& canvas) {
     ++framesRendered_;
     double now = sys::Clock::now();
     auto state = root.presentation();
-    if (root.isHidden() || state.bounds.isEmpty()) return;
+    if (root.isHidden() || state.bounds.isEmpty() || !isDrawable(state)) return;
     auto saved = canvas.saved();
     drawBody(root, canvas, state.bounds, now);
 }
@@ -40,23 +51,30 @@ gfx::Image Renderer::imageOf(View& view, double scale) {
     if (bounds.isEmpty()) return {};
     gfx::ImageContext context(bounds.size(), gfx::Opacity::Transparent, scale);
     if (!context.isValid()) return {};
-    Renderer renderer;
-    renderer.drawBody(view, context.canvas(), bounds, sys::Clock::now());
+    {
+        Renderer renderer;
+        auto saved = context.canvas().saved();
+        renderer.drawBody(view, context.canvas(), bounds, sys::Clock::now());
+    }
     return context.takeImage();
 }
 
 void Renderer::drawView(View& view, gfx::Canvas& canvas, double now) {
     if (view.isHidden()) return;
     auto state = view.presentation();
-    if (state.alpha < kInvisibleAlpha || state.bounds.isEmpty()) return;
+    if (state.alpha < kInvisibleAlpha || state.bounds.isEmpty() || !isDrawable(state)) return;
     double width = state.bounds.width;
     double height = state.bounds.height;
     const Layer& layer = view.layer();
 
     auto saved = canvas.saved();
-    canvas.translate(state.center.x, state.center.y);
-    if (!state.transform.isIdentity()) canvas.concat(state.transform);
-    canvas.translate(-width / 2, -height / 2);
+    if (state.transform.isIdentity()) {
+        canvas.translate(state.center.x - width / 2, state.center.y - height / 2);
+    } else {
+        canvas.translate(state.center.x, state.center.y);
+        canvas.concat(state.transform);
+        canvas.translate(-width / 2, -height / 2);
+    }
 
     // Off-screen views are skipped when nothing of them can reach the screen:
     // their children are clipped to them, or they have none.
@@ -80,16 +98,30 @@ void Renderer::drawView(View& view, gfx::Canvas& canvas, double now) {
         canvas.setAlpha(state.alpha);
 
     if (dissolve) {
+        // A true cross-fade: the old look at 1 - t and the new at t are added,
+        // so an opaque view stays opaque all the way through.
         double t = dissolve->progress(now);
         canvas.beginTransparencyLayer();
-        drawBody(view, canvas, state.bounds, now);
-        canvas.endTransparencyLayer(t);
         const gfx::Image& oldLook = view.animations_->oldLook;
         if (oldLook) {
             auto inner = canvas.saved();
             canvas.setAlpha(1 - t);
             canvas.drawImage(oldLook, gfx::Rect{0, 0, width, height});
         }
+        {
+            auto inner = canvas.saved();
+            canvas.setBlendMode(gfx::BlendMode::PlusLighter);
+            canvas.beginTransparencyLayer();
+            canvas.save();
+            drawBody(view, canvas, state.bounds, now);
+            canvas.restore();
+            canvas.endTransparencyLayer(t);
+        }
+        canvas.endTransparencyLayer(1);
+    } else if (group) {
+        canvas.save();
+        drawBody(view, canvas, state.bounds, now);
+        canvas.restore();
     } else {
         drawBody(view, canvas, state.bounds, now);
     }
@@ -97,13 +129,16 @@ void Renderer::drawView(View& view, gfx::Canvas& canvas, double now) {
     if (group) canvas.endTransparencyLayer(state.alpha);
 }
 
+// Draws the view in its frame-local space. The caller saves and restores the
+// canvas state around it: clips and translations made here are not undone,
+// which saves two state copies per view (the border lies inside the rounded
+// bounds, so the content clip does not cut it).
 void Renderer::drawBody(View& view, gfx::Canvas& canvas, const gfx::Rect& bounds, double now) {
     ++viewsDrawn_;
     const Layer& layer = view.layer();
     gfx::Rect local{0, 0, bounds.width, bounds.height};
     double radius = std::max(0.0, layer.cornerRadius());
 
-    auto saved = canvas.saved();
     if (layer.mask()) canvas.clipToRoundedRect(layer.mask()->frame, layer.mask()->cornerRadius);
     // Masking to bounds cuts the shadow off too, as on the platform.
     if (!layer.masksToBounds() && layer.shadow().isVisible())
@@ -116,24 +151,25 @@ void Renderer::drawBody(View& view, gfx::Canvas& canvas, const gfx::Rect& bounds
             canvas.fillRect(local, background);
     }
 
-    {
-        auto content = canvas.saved();
-        if (layer.masksToBounds()) {
-            if (radius > 0)
-                canvas.clipToRoundedRect(local, radius);
-            else
-                canvas.clipToRect(local);
-        }
-        gfx::Point shift = layer.sublayerTranslation();
-        canvas.translate(shift.x - bounds.x, shift.y - bounds.y);
-        view.draw(canvas, bounds);
-        // Index loop with a held child: a misbehaving draw() may change the tree.
-        const auto& children = view.subviews();
-        for (std::size_t i = 0; i < children.size(); ++i) {
-            auto child = children[i];
-            drawView(*child, canvas, now);
-        }
+    if (layer.masksToBounds()) {
+        if (radius > 0)
+            canvas.clipToRoundedRect(local, radius);
+        else
+            canvas.clipToRect(local);
     }
+    gfx::Point shift = layer.sublayerTranslation();
+    double dx = shift.x - bounds.x;
+    double dy = shift.y - bounds.y;
+    bool moved = dx != 0 || dy != 0;
+    if (moved) canvas.translate(dx, dy);
+    view.draw(canvas, bounds);
+    // Index loop with a held child: a misbehaving draw() may change the tree.
+    const auto& children = view.subviews();
+    for (std::size_t i = 0; i < children.size(); ++i) {
+        auto child = children[i];
+        drawView(*child, canvas, now);
+    }
+    if (moved) canvas.translate(-dx, -dy);
 
     double border = layer.borderWidth();
     if (border > 0 && layer.borderColor().alpha > 0) {

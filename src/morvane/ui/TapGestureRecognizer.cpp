@@ -1,31 +1,27 @@
 #include <morvane/ui/TapGestureRecognizer.h>
 
+#include <morvane/ui/Touch.h>
 #include <morvane/ui/View.h>
 
 namespace morvane::ui {
-
-TapGestureRecognizer::TapGestureRecognizer(Action action) {
-    addTarget(std::move(action));
-}
 
 std::shared_ptr<TapGestureRecognizer> TapGestureRecognizer::create(Action action) {
     return std::make_shared<TapGestureRecognizer>(std::move(action));
 }
 
-void TapGestureRecognizer::addTarget(Action action) {
-    if (action) actions_.push_back(std::move(action));
+void TapGestureRecognizer::touchBegan(const Touch& touch) {
+    start_ = touch.windowLocation();
 }
 
-gfx::Point TapGestureRecognizer::locationIn(const View* view) const {
-    return view ? view->convertPointFrom(location_, nullptr) : location_;
+void TapGestureRecognizer::touchMoved(const Touch& touch) {
+    if (touch.windowLocation().distanceTo(start_) > kMaximumMovement) setState(State::Failed);
 }
 
-void TapGestureRecognizer::fire(gfx::Point windowLocation) {
-    location_ = windowLocation;
-    // Copied: an action may remove targets, the recognizer or its view.
-    auto actions = actions_;
-    for (auto& action : actions)
-        action(*this);
+void TapGestureRecognizer::touchEnded(const Touch& touch) {
+    View* owner = view();
+    bool inside = owner && owner->pointInside(touch.locationIn(owner));
+    bool still = touch.windowLocation().distanceTo(start_) <= kMaximumMovement;
+    setState(inside && still && touch.tapCount() >= tapsRequired_ ? State::Ended : State::Failed);
 }
 
 } // namespace morvane::ui

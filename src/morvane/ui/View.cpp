@@ -13,8 +13,8 @@
 #include <morvane/sys/Clock.h>
 #include <morvane/sys/Log.h>
 #include <morvane/sys/Queue.h>
+#include <morvane/ui/GestureRecognizer.h>
 #include <morvane/ui/Renderer.h>
-#include <morvane/ui/TapGestureRecognizer.h>
 #include <morvane/ui/Window.h>
 #include <morvane/ui/detail/Animator.h>
 
@@ -75,23 +75,20 @@ gfx::Rect View::frame() const {
 void View::setFrame(const gfx::Rect& frame) {
     // With a transform in place the frame is ambiguous; like the platform, the
     // frame's centre and size are taken as the new centre and bounds size.
-    gfx::Rect r = frame.standardized();
-    if (frame.width < 0 || frame.height < 0) r = frame; // keep negative sizes: drawn as nothing
+    // A negative size is kept as given: such a view is drawn as nothing.
     setCenter({frame.x + frame.width / 2, frame.y + frame.height / 2});
-    setBounds({bounds_.x, bounds_.y, r.width, r.height});
+    setBounds({bounds_.x, bounds_.y, frame.width, frame.height});
 }
 
 void View::setBounds(const gfx::Rect& bounds) {
     if (bounds == bounds_) return;
     auto from = presentation();
-    bool sizeChanged = bounds.size() != bounds_.size();
+    gfx::Rect old = bounds_;
     bounds_ = bounds;
     animateProperty(detail::kBounds, &from);
-    if (sizeChanged) {
-        setNeedsLayout();
-        boundsSizeChanged();
-    }
+    if (old.size() != bounds.size()) setNeedsLayout();
     changed();
+    boundsChanged(old);
 }
 
 void View::setCenter(gfx::Point center) {
@@ -397,7 +394,7 @@ View* View::hitTest(gfx::Point point) {
     return this;
 }
 
-void View::addGestureRecognizer(std::shared_ptr<TapGestureRecognizer> recognizer) {
+void View::addGestureRecognizer(std::shared_ptr<GestureRecognizer> recognizer) {
     if (!recognizer) return;
     if (recognizer->view_ && recognizer->view_ != this)
         recognizer->view_->removeGestureRecognizer(recognizer.get());
@@ -406,7 +403,7 @@ void View::addGestureRecognizer(std::shared_ptr<TapGestureRecognizer> recognizer
     gestureRecognizers_.push_back(std::move(recognizer));
 }
 
-void View::removeGestureRecognizer(const TapGestureRecognizer* recognizer) {
+void View::removeGestureRecognizer(const GestureRecognizer* recognizer) {
     auto it = std::find_if(gestureRecognizers_.begin(), gestureRecognizers_.end(),
                            [&](auto& r) { return r.get() == recognizer; });
     if (it == gestureRecognizers_.end()) return;
@@ -602,75 +599,6 @@ void View::transition(const std::shared_ptr<View>& view, double duration, Transi
     Animator::pop();
     if (view) view->changed();
     scheduleCompletion(group, duration);
-}
-
-// ---- Layer -----------------------------------------------------------------------------
-
-void Layer::changed() {
-    owner_.changed();
-}
-
-void Layer::setCornerRadius(double radius) {
-    if (radius == cornerRadius_) return;
-    cornerRadius_ = radius;
-    changed();
-}
-
-void Layer::setBorderWidth(double width) {
-    if (width == borderWidth_) return;
-    borderWidth_ = width;
-    changed();
-}
-
-void Layer::setBorderColor(const gfx::Color& color) {
-    if (color == borderColor_) return;
-    borderColor_ = color;
-    changed();
-}
-
-void Layer::setShadowColor(const gfx::Color& color) {
-    shadow_.color = color;
-    changed();
-}
-
-void Layer::setShadowOpacity(double opacity) {
-    shadow_.opacity = opacity;
-    changed();
-}
-
-void Layer::setShadowRadius(double radius) {
-    shadow_.radius = radius;
-    changed();
-}
-
-void Layer::setShadowOffset(gfx::Size offset) {
-    shadow_.offset = offset;
-    changed();
-}
-
-void Layer::setMasksToBounds(bool masks) {
-    if (masks == masksToBounds_) return;
-    masksToBounds_ = masks;
-    changed();
-}
-
-void Layer::setMask(std::optional<MaskLayer> mask) {
-    mask_ = mask;
-    changed();
-}
-
-const gfx::Transform& Layer::transform() const {
-    return owner_.transform();
-}
-
-void Layer::setTransform(const gfx::Transform& transform) {
-    owner_.setTransform(transform);
-}
-
-void Layer::setSublayerTranslation(gfx::Point translation) {
-    if (translation == sublayerTranslation_) return;
-    sublayerTranslation_ = translation;
-    changed();
 }
 
 } // namespace morvane::ui

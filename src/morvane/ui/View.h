@@ -146,9 +146,9 @@ class View : public std::enable_shared_from_this<View> {
     virtual View* hitTest(gfx::Point point);
     virtual bool pointInside(gfx::Point point) const;
 
-    void addGestureRecognizer(std::shared_ptr<TapGestureRecognizer> recognizer);
-    void removeGestureRecognizer(const TapGestureRecognizer* recognizer);
-    const std::vector<std::shared_ptr<TapGestureRecognizer>>& gestureRecognizers() const {
+    void addGestureRecognizer(std::shared_ptr<GestureRecognizer> recognizer);
+    void removeGestureRecognizer(const GestureRecognizer* recognizer);
+    const std::vector<std::shared_ptr<GestureRecognizer>>& gestureRecognizers() const {
         return gestureRecognizers_;
     }
 
@@ -209,8 +209,9 @@ class View : public std::enable_shared_from_this<View> {
     // Told after the view moved to another superview or window (may be null).
     virtual void didMoveToSuperview() {}
     virtual void didMoveToWindow() {}
-    // Told when the bounds size changed.
-    virtual void boundsSizeChanged() {}
+    // Told after the bounds changed (origin or size). A size change has
+    // already asked for layout; a scroll view also lays out when its origin moves.
+    virtual void boundsChanged(const gfx::Rect& oldBounds) { (void)oldBounds; }
 
   private:
     friend class Layer;
@@ -243,7 +244,7 @@ class View : public std::enable_shared_from_this<View> {
     Layer layer_;
     View* superview_ = nullptr;
     std::vector<std::shared_ptr<View>> subviews_;
-    std::vector<std::shared_ptr<TapGestureRecognizer>> gestureRecognizers_;
+    std::vector<std::shared_ptr<GestureRecognizer>> gestureRecognizers_;
     std::unique_ptr<detail::ViewAnimations> animations_;
 
   protected:

@@ -2,7 +2,7 @@
 
 #include <morvane/sys/Clock.h>
 #include <morvane/ui/Control.h>
-#include <morvane/ui/TapGestureRecognizer.h>
+#include <morvane/ui/GestureRecognizer.h>
 
 namespace morvane::ui {
 
@@ -64,21 +64,82 @@ void Window::sendTouchDown(gfx::Point location) {
     double now = sys::Clock::now();
     bool again =
         now - lastTapTime_ <= kMultiTapInterval && location.distanceTo(lastTapLocation_) <= kMultiTapDistance;
-    touch_ = TouchState{true, view, location, location, again ? lastTapCount_ + 1 : 1, {}};
-    // Recognizers of the view and its ancestors, innermost first.
+    touch_ = TouchState{};
+    touch_.active = true;
+    touch_.view = view;
+    touch_.start = touch_.last = location;
+    touch_.tapCount = again ? lastTapCount_ + 1 : 1;
     for (View* v = hit; v; v = v->superview())
-        for (auto& recognizer : v->gestureRecognizers())
-            if (recognizer->isEnabled()) touch_.recognizers.push_back(recognizer);
+        for (auto& recognizer : v->gestureRecognizers()) {
+            if (!recognizer->isEnabled()) continue;
+            if (recognizer->yieldsToControls() && controlBetween(hit, v)) continue;
+            recognizer->state_ = GestureRecognizer::State::Possible;
+            recognizer->stepPending_ = false;
+            recognizer->reset();
+            touch_.recognizers.push_back(recognizer);
+        }
 
-    view->touchesBegan(one(TouchPhase::Began, location, location, view, touch_.tapCount));
+    Touches step = one(TouchPhase::Began, location, location, view, touch_.tapCount);
+    // The touch state is copied for the call: a handler may start another touch.
+    TouchState touch = touch_;
+    bool deliver = feedRecognizers(touch, step.front());
+    if (touch_.active && touch_.view == touch.view) {
+        touch_.claimedBy = touch.claimedBy;
+        touch_.viewCancelled = touch.viewCancelled;
+    }
+    if (deliver) view->touchesBegan(step);
+}
+
+bool Window::feedRecognizers(TouchState& touch, const Touch& step) {
+    for (auto& recognizer : touch.recognizers) {
+        if (touch.claimedBy && recognizer != touch.claimedBy) continue;
+        if (!recognizer->isActive() || !recognizer->view() || recognizer->view()->window() != this) continue;
+        recognizer->location_ = step.windowLocation();
+        switch (step.phase()) {
+        case TouchPhase::Began:
+            recognizer->touchBegan(step);
+            break;
+        case TouchPhase::Moved:
+            recognizer->touchMoved(step);
+            break;
+        case TouchPhase::Ended:
+            recognizer->touchEnded(step);
+            break;
+        case TouchPhase::Cancelled:
+            recognizer->touchCancelled(step);
+            break;
+        }
+        if (!touch.claimedBy && recognizer->stepPending_) touch.claimedBy = recognizer;
+    }
+    std::shared_ptr<GestureRecognizer> claimed = touch.claimedBy;
+    if (claimed && claimed->stepPending_) {
+        // The first recognised step: the others give up, and the view is told
+        // its touch is gone before any action runs.
+        for (auto& other : touch.recognizers)
+            if (other != claimed && other->isActive()) other->state_ = GestureRecognizer::State::Failed;
+        if (claimed->cancelsTouchesInView() && !touch.viewCancelled) {
+            touch.viewCancelled = true;
+            if (step.phase() != TouchPhase::Began)
+                touch.view->touchesCancelled(one(TouchPhase::Cancelled, step.windowLocation(), touch.last,
+                                                 touch.view, touch.tapCount));
+        }
+        claimed->runActions();
+    }
+    return !touch.viewCancelled;
 }
 
 void Window::sendTouchMove(gfx::Point location) {
     if (!touch_.active) return;
-    auto view = touch_.view;
-    gfx::Point previous = touch_.last;
+    TouchState touch = touch_;
+    gfx::Point previous = touch.last;
     touch_.last = location;
-    view->touchesMoved(one(TouchPhase::Moved, location, previous, view, touch_.tapCount));
+    Touches step = one(TouchPhase::Moved, location, previous, touch.view, touch.tapCount);
+    bool deliver = feedRecognizers(touch, step.front());
+    if (touch_.active && touch_.view == touch.view) {
+        touch_.claimedBy = touch.claimedBy;
+        touch_.viewCancelled = touch.viewCancelled;
+    }
+    if (deliver) touch.view->touchesMoved(step);
 }
 
 void Window::sendTouchUp(gfx::Point location) {
@@ -86,38 +147,21 @@ void Window::sendTouchUp(gfx::Point location) {
     // Taken out first: a handler may start the next touch.
     TouchState touch = std::move(touch_);
     touch_ = TouchState{};
-    auto view = touch.view;
-
-    std::shared_ptr<TapGestureRecognizer> recognized;
-    if (location.distanceTo(touch.start) <= TapGestureRecognizer::kMaximumMovement) {
-        for (auto& weak : touch.recognizers) {
-            auto recognizer = weak.lock();
-            View* owner = recognizer ? recognizer->view() : nullptr;
-            if (!owner || !recognizer->isEnabled() || owner->window() != this) continue;
-            if (touch.tapCount < recognizer->numberOfTapsRequired()) continue;
-            if (controlBetween(view.get(), owner)) continue;
-            if (!owner->pointInside(owner->convertPointFrom(location, nullptr))) continue;
-            recognized = recognizer;
-            break;
-        }
-    }
     lastTapTime_ = sys::Clock::now();
     lastTapLocation_ = location;
     lastTapCount_ = touch.tapCount;
-
-    if (recognized && recognized->cancelsTouchesInView())
-        view->touchesCancelled(one(TouchPhase::Cancelled, location, touch.last, view, touch.tapCount));
-    else
-        view->touchesEnded(one(TouchPhase::Ended, location, touch.last, view, touch.tapCount));
-    if (recognized) recognized->fire(location);
+    Touches step = one(TouchPhase::Ended, location, touch.last, touch.view, touch.tapCount);
+    if (feedRecognizers(touch, step.front())) touch.view->touchesEnded(step);
 }
 
 void Window::sendTouchCancel() {
     if (!touch_.active) return;
     TouchState touch = std::move(touch_);
     touch_ = TouchState{};
-    touch.view->touchesCancelled(
-        one(TouchPhase::Cancelled, touch.last, touch.last, touch.view, touch.tapCount));
+    Touches step = one(TouchPhase::Cancelled, touch.last, touch.last, touch.view, touch.tapCount);
+    for (auto& recognizer : touch.recognizers)
+        if (recognizer->isActive()) recognizer->touchCancelled(step.front());
+    if (!touch.viewCancelled) touch.view->touchesCancelled(step);
 }
 
 void Window::sendText(std::string_view text) {

@@ -44,8 +44,14 @@ class Window : public View {
         gfx::Point start;
         gfx::Point last;
         int tapCount = 1;
-        std::vector<std::weak_ptr<TapGestureRecognizer>> recognizers;
+        // Watching recognisers, innermost first; the one that claimed the touch.
+        std::vector<std::shared_ptr<GestureRecognizer>> recognizers;
+        std::shared_ptr<GestureRecognizer> claimedBy;
+        bool viewCancelled = false;
     };
+    // Hands a touch step to the recognisers, settles a claim, and runs the
+    // actions of the recognised step. False when the view must not see the step.
+    bool feedRecognizers(TouchState& touch, const Touch& step);
     TouchState touch_;
     std::weak_ptr<View> firstResponder_;
     // For counting taps in a row.

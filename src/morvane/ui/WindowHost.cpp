@@ -73,6 +73,8 @@ WindowHost::WindowHost(Options options) : impl_(std::make_unique<Impl>()), optio
     if (!(options_.scale > 0) || !std::isfinite(options_.scale)) options_.scale = 1;
     if (options_.size.isEmpty()) options_.size = {390, 844};
     window_ = Window::create(options_.size);
+    // A window lives in real time (a headless host may have stopped the clock).
+    sys::Clock::useReal();
 
     if (SDL_InitSubSystem(SDL_INIT_VIDEO) != 0) {
         error_ = std::string("no video: ") + SDL_GetError();

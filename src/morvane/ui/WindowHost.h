@@ -4,7 +4,8 @@
 // main run loop is pumped between frames. A frame is drawn only when something
 // changed (a view property, a running animation or spinner, work that ran) and
 // at most once per display refresh; an idle window sleeps until an event, due
-// work, or a wake-up from another thread.
+// work, or a wake-up from another thread. Creating a window host puts the
+// kit on the real clock.
 //
 //   ui::WindowHost host({.title = "Gallery"});
 //   if (!host.isOpen()) return fail(host.error());

@@ -43,11 +43,13 @@ bool writePngRows(png_structp png, png_infop info, const unsigned char* pixels, 
     png_set_IHDR(png, info, static_cast<png_uint_32>(width), static_cast<png_uint_32>(height), 8,
                  opaque ? PNG_COLOR_TYPE_RGB : PNG_COLOR_TYPE_RGB_ALPHA, PNG_INTERLACE_NONE,
                  PNG_COMPRESSION_TYPE_DEFAULT, PNG_FILTER_TYPE_DEFAULT);
-    // Snapshots are written often and read rarely: the fastest zlib level with
-    // the cheap "sub" filter keeps a full phone frame well under 50 ms, and
-    // flat interface colours still compress well.
+    // Snapshots are written often and read rarely: the fastest zlib level.
+    // Without row filters, flat interface colours compress both faster and
+    // smaller than with them (measured on a full phone frame: about 10 %
+    // smaller and 10 % faster than the "sub" filter); photos would prefer a
+    // filter, but they are stored as JPEG.
     png_set_compression_level(png, 1);
-    png_set_filter(png, PNG_FILTER_TYPE_BASE, PNG_FILTER_SUB);
+    png_set_filter(png, PNG_FILTER_TYPE_BASE, PNG_FILTER_NONE);
     png_write_info(png, info);
     for (int y = 0; y < height; ++y) {
         const auto* source =

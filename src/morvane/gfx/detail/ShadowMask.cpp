@@ -67,7 +67,7 @@ void blur(cairo_surface_t* surface, double sigmaPixels) {
     cairo_surface_mark_dirty(surface);
 }
 
-using Key = std::tuple<long, long, long, long, long>;
+using Key = std::tuple<long, long, long, long, long, std::uint32_t>;
 
 struct Cache {
     std::map<Key, ShadowMask> masks;
@@ -99,6 +99,11 @@ Cache& deviceCache() {
     return cache;
 }
 
+Cache& imageCache() {
+    thread_local Cache cache;
+    return cache;
+}
+
 long quantize(double value) {
     return std::lround(value * 64);
 }
@@ -116,7 +121,8 @@ ShadowMask shadowMask(double width, double height, double cornerRadius, double s
     if (area * maskScale * maskScale > kMaxMaskPixels) maskScale = std::sqrt(kMaxMaskPixels / area);
 
     Cache& cache = lowResolutionCache();
-    Key key{quantize(width), quantize(height), quantize(cornerRadius), quantize(sigma), quantize(maskScale)};
+    Key key{quantize(width), quantize(height),    quantize(cornerRadius),
+            quantize(sigma), quantize(maskScale), 0u};
     if (auto found = cache.masks.find(key); found != cache.masks.end()) return found->second;
 
     int pixelWidth = static_cast<int>(std::ceil((width + 2 * padding) * maskScale));
@@ -151,8 +157,8 @@ ShadowMask shadowMask(double width, double height, double cornerRadius, double s
 ShadowMask deviceShadowMask(double width, double height, double cornerRadius, double sigma,
                             double deviceScale) {
     Cache& cache = deviceCache();
-    Key key{quantize(width), quantize(height), quantize(cornerRadius), quantize(sigma),
-            quantize(deviceScale)};
+    Key key{quantize(width), quantize(height),      quantize(cornerRadius),
+            quantize(sigma), quantize(deviceScale), 0u};
     if (auto found = cache.masks.find(key); found != cache.masks.end()) return found->second;
     ShadowMask low = shadowMask(width, height, cornerRadius, sigma, deviceScale);
     if (!low.surface) return low;
@@ -177,6 +183,46 @@ ShadowMask deviceShadowMask(double width, double height, double cornerRadius, do
     cairo_paint(cr);
     cairo_destroy(cr);
     return cache.add(key, ShadowMask{surface, deviceScale, low.padding});
+}
+
+} // namespace morvane::gfx::detail
+
+namespace morvane::gfx::detail {
+
+ShadowMask deviceShadowImage(double width, double height, double cornerRadius, double sigma,
+                             double deviceScale, std::uint32_t premultipliedColor) {
+    Cache& cache = imageCache();
+    Key key{quantize(width), quantize(height),      quantize(cornerRadius),
+            quantize(sigma), quantize(deviceScale), premultipliedColor};
+    if (auto found = cache.masks.find(key); found != cache.masks.end()) return found->second;
+    ShadowMask mask = deviceShadowMask(width, height, cornerRadius, sigma, deviceScale);
+    if (!mask.surface || mask.maskScale != deviceScale) return {nullptr, 1, 0};
+    cairo_surface_flush(mask.surface);
+    int pixelWidth = cairo_image_surface_get_width(mask.surface);
+    int pixelHeight = cairo_image_surface_get_height(mask.surface);
+    cairo_surface_t* image = cairo_image_surface_create(CAIRO_FORMAT_ARGB32, pixelWidth, pixelHeight);
+    if (cairo_surface_status(image) != CAIRO_STATUS_SUCCESS) {
+        cairo_surface_destroy(image);
+        return {nullptr, 1, 0};
+    }
+    const std::uint8_t* in = cairo_image_surface_get_data(mask.surface);
+    int inStride = cairo_image_surface_get_stride(mask.surface);
+    std::uint8_t* out = cairo_image_surface_get_data(image);
+    int outStride = cairo_image_surface_get_stride(image);
+    std::uint32_t channels[4] = {premultipliedColor >> 24, (premultipliedColor >> 16) & 0xff,
+                                 (premultipliedColor >> 8) & 0xff, premultipliedColor & 0xff};
+    for (int y = 0; y < pixelHeight; ++y) {
+        const std::uint8_t* coverage = in + static_cast<std::size_t>(y) * inStride;
+        auto* row = reinterpret_cast<std::uint32_t*>(out + static_cast<std::size_t>(y) * outStride);
+        for (int x = 0; x < pixelWidth; ++x) {
+            std::uint32_t c = coverage[x], pixel = 0;
+            for (int i = 0; i < 4; ++i)
+                pixel = pixel << 8 | (channels[i] * c + 127) / 255;
+            row[x] = pixel;
+        }
+    }
+    cairo_surface_mark_dirty(image);
+    return cache.add(key, ShadowMask{image, deviceScale, mask.padding});
 }
 
 } // namespace morvane::gfx::detail

@@ -4,6 +4,8 @@
 
 #include <cairo.h>
 
+#include <cstdint>
+
 namespace morvane::gfx::detail {
 
 struct ShadowMask {
@@ -21,5 +23,11 @@ ShadowMask shadowMask(double width, double height, double cornerRadius, double s
 // pixel position is a plain unscaled composite (the fast path).
 ShadowMask deviceShadowMask(double width, double height, double cornerRadius, double sigma,
                             double deviceScale);
+
+// The device-resolution mask filled with a premultiplied colour (ARGB32), so
+// that painting it is a plain unscaled image composite, the cheapest Cairo
+// has. Null surface when no device-resolution mask can be made.
+ShadowMask deviceShadowImage(double width, double height, double cornerRadius, double sigma,
+                             double deviceScale, std::uint32_t premultipliedColor);
 
 } // namespace morvane::gfx::detail

@@ -1,5 +1,6 @@
 #include <morvane/ui/detail/Animator.h>
 
+#include <morvane/sys/Clock.h>
 #include <morvane/sys/Queue.h>
 
 #include <algorithm>
@@ -12,6 +13,7 @@ namespace {
 struct AnimatorState {
     std::vector<Animator::Context> stack;
     double busyUntil = 0;
+    sys::Clock::Kind busyClock = sys::Clock::Kind::Real;
     int continuous = 0;
     std::uint64_t generation = 1;
 };
@@ -88,11 +90,18 @@ void Animator::pop() {
 }
 
 double Animator::busyUntil() {
-    return state().busyUntil;
+    // Times of another clock mean nothing on this one (a test's manual clock
+    // may be far ahead of the real one a window host then uses).
+    return state().busyClock == sys::Clock::kind() ? state().busyUntil : 0;
 }
 
 void Animator::noteBusyUntil(double time) {
-    state().busyUntil = std::max(state().busyUntil, time);
+    auto& s = state();
+    if (s.busyClock != sys::Clock::kind()) {
+        s.busyClock = sys::Clock::kind();
+        s.busyUntil = 0;
+    }
+    s.busyUntil = std::max(s.busyUntil, time);
 }
 
 void Animator::addContinuous() {
