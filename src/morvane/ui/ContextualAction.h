@@ -52,7 +52,8 @@ class SwipeActionsConfiguration {
   public:
     explicit SwipeActionsConfiguration(std::vector<std::shared_ptr<ContextualAction>> actions)
         : actions_(std::move(actions)) {}
-    static std::shared_ptr<SwipeActionsConfiguration> make(std::vector<std::shared_ptr<ContextualAction>> actions) {
+    static std::shared_ptr<SwipeActionsConfiguration>
+    make(std::vector<std::shared_ptr<ContextualAction>> actions) {
         return std::make_shared<SwipeActionsConfiguration>(std::move(actions));
     }
 

@@ -119,20 +119,19 @@ void ScrollView::setContentOffset(gfx::Point offset, bool animated) {
     double start = sys::Clock::now();
     decelerating_ = true;
     std::weak_ptr<View> weak = weak_from_this();
-    timer_ = sys::Timer::schedule(kFrameInterval, sys::Timer::Repeat::Repeating,
-                                  [weak, from, offset, start](sys::Timer& timer) {
-                                      auto self = std::static_pointer_cast<ScrollView>(weak.lock());
-                                      if (!self) return timer.invalidate();
-                                      double t = std::clamp((sys::Clock::now() - start) / 0.3, 0.0, 1.0);
-                                      double e = t * t * (3 - 2 * t);
-                                      self->applyOffset({from.x + (offset.x - from.x) * e,
-                                                         from.y + (offset.y - from.y) * e});
-                                      if (t >= 1) {
-                                          timer.invalidate();
-                                          self->decelerating_ = false;
-                                          self->layoutIndicators();
-                                      }
-                                  });
+    timer_ = sys::Timer::schedule(
+        kFrameInterval, sys::Timer::Repeat::Repeating, [weak, from, offset, start](sys::Timer& timer) {
+            auto self = std::static_pointer_cast<ScrollView>(weak.lock());
+            if (!self) return timer.invalidate();
+            double t = std::clamp((sys::Clock::now() - start) / 0.3, 0.0, 1.0);
+            double e = t * t * (3 - 2 * t);
+            self->applyOffset({from.x + (offset.x - from.x) * e, from.y + (offset.y - from.y) * e});
+            if (t >= 1) {
+                timer.invalidate();
+                self->decelerating_ = false;
+                self->layoutIndicators();
+            }
+        });
 }
 
 void ScrollView::applyOffset(gfx::Point offset) {
@@ -170,15 +169,16 @@ void ScrollView::refreshInsetChanged() {
     if (dragging_) return;
     gfx::Point offset = contentOffset();
     gfx::Point target = clamped(offset);
-    if (refreshControl_ && refreshControl_->isRefreshing() && offset.y <= minimumContentOffset().y + RefreshControl::kHeight)
+    if (refreshControl_ && refreshControl_->isRefreshing() &&
+        offset.y <= minimumContentOffset().y + RefreshControl::kHeight)
         target.y = minimumContentOffset().y;
     if (target != offset) setContentOffset(target, true);
 }
 
 void ScrollView::layoutSubviews() {
     if (refreshControl_) {
-        refreshControl_->setFrame({0, -RefreshControl::kHeight - contentInset_.top, bounds().width,
-                                   RefreshControl::kHeight});
+        refreshControl_->setFrame(
+            {0, -RefreshControl::kHeight - contentInset_.top, bounds().width, RefreshControl::kHeight});
     }
     layoutIndicators();
 }
@@ -195,8 +195,8 @@ void ScrollView::layoutIndicators() {
     double length = std::max(20.0, track * b.height / contentSize_.height);
     double range = contentSize_.height - b.height;
     double progress = range > 0 ? std::clamp(b.y / range, 0.0, 1.0) : 0;
-    indicator_->setFrame(
-        {b.x + b.width - kIndicatorWidth - 2, b.y + 2 + (track - length) * progress, kIndicatorWidth, length});
+    indicator_->setFrame({b.x + b.width - kIndicatorWidth - 2, b.y + 2 + (track - length) * progress,
+                          kIndicatorWidth, length});
 }
 
 // ---- Touches --------------------------------------------------------------------
@@ -273,7 +273,8 @@ void ScrollView::touchesEnded(const Touches& touches) {
                 break;
             }
         if (oldest && touch.timestamp() > oldest->time)
-            velocity = (touch.locationIn(nullptr).x - oldest->location.x) / (touch.timestamp() - oldest->time);
+            velocity =
+                (touch.locationIn(nullptr).x - oldest->location.x) / (touch.timestamp() - oldest->time);
         horizontalDragEnded(dx, velocity);
         return;
     }
@@ -294,7 +295,8 @@ void ScrollView::touchesEnded(const Touches& touches) {
     if (!canScrollHorizontally()) velocity.x = 0;
     if (!canScrollVertically()) velocity.y = 0;
     if (refreshControl_) refreshControl_->touchEnded();
-    bool glide = std::hypot(velocity.x, velocity.y) > kStopSpeed || clamped(contentOffset()) != contentOffset();
+    bool glide =
+        std::hypot(velocity.x, velocity.y) > kStopSpeed || clamped(contentOffset()) != contentOffset();
     if (delegate_) delegate_->scrollViewDidEndDragging(*this, glide);
     if (glide)
         beginGlide(velocity);

@@ -399,8 +399,14 @@ void TableView::layoutSubviews() {
 }
 
 void TableView::enqueue(const std::shared_ptr<TableViewCell>& cell) {
-    cell->setHidden(true);
     cell->indexPath_.reset();
+    // Cells nobody can ask for again (no identifier, or a class that does not
+    // match its registration) are dropped rather than queued.
+    if (cell->reuseIdentifier().empty() || cell->reuseIdentifier()[0] == '\x01') {
+        cell->removeFromSuperview();
+        return;
+    }
+    cell->setHidden(true);
     reuseQueues_[cell->reuseIdentifier()].push_back(cell);
 }
 
@@ -424,13 +430,14 @@ std::shared_ptr<TableViewCell> TableView::makeCell(IndexPath p) {
         warn("the data source failed to give a cell for " + describe(p));
     }
     if (!cell) {
-        warn("the data source gave no cell for " + describe(p) + " (it reports more rows than it has?); the row is left blank");
+        warn("the data source gave no cell for " + describe(p) +
+             " (it reports more rows than it has?); the row is left blank");
         return std::make_shared<TableViewCell>();
     }
     auto reg = registrations_.find(cell->reuseIdentifier());
     if (reg != registrations_.end() && reg->second.isOfClass && !reg->second.isOfClass(*cell)) {
-        warn("the cell for " + describe(p) + " is not of the class registered for \"" + cell->reuseIdentifier() +
-             "\"; it is shown but not reused");
+        warn("the cell for " + describe(p) + " is not of the class registered for \"" +
+             cell->reuseIdentifier() + "\"; it is shown but not reused");
         cell->reuseIdentifier_ = "\x01unregistered";
     }
     if (cell->indexPath_ || (cell->superview() == this && !cell->isHidden())) {
@@ -451,18 +458,21 @@ void TableView::layoutCells() {
 
     // The visible run of rows: the first row ending below the top edge to
     // the last row starting above the bottom edge.
-    std::size_t first = std::size_t(std::upper_bound(rowTops_.begin(), rowTops_.end(), top) - rowTops_.begin());
+    std::size_t first =
+        std::size_t(std::upper_bound(rowTops_.begin(), rowTops_.end(), top) - rowTops_.begin());
     if (first > 0) --first;
     while (first < rowTops_.size() && rowTops_[first] + rowHeights_[first] <= top)
         ++first;
-    std::size_t end = std::size_t(std::lower_bound(rowTops_.begin(), rowTops_.end(), bottom) - rowTops_.begin());
+    std::size_t end =
+        std::size_t(std::lower_bound(rowTops_.begin(), rowTops_.end(), bottom) - rowTops_.begin());
     if (!dataSource_) end = first;
 
     // Which sections hold the run.
     std::vector<IndexPath> wanted;
     if (first < end) {
-        auto section = std::upper_bound(sections_.begin(), sections_.end(), first,
-                                        [](std::size_t index, const Section& s) { return index < s.firstRow; });
+        auto section =
+            std::upper_bound(sections_.begin(), sections_.end(), first,
+                             [](std::size_t index, const Section& s) { return index < s.firstRow; });
         int s = int(section - sections_.begin()) - 1;
         while (s > 0 && (sections_[std::size_t(s)].rows == 0 || first < sections_[std::size_t(s)].firstRow))
             --s;
@@ -500,11 +510,14 @@ void TableView::layoutCells() {
         double shift = swipe_.row && *swipe_.row == p ? swipe_.offset : 0;
         slot->setFrame({shift, rowTops_[i], width, rowHeights_[i]});
     }
-    // Cells past the reuse need (more queued than a screenful can use) are let go.
+    // Cells past the reuse need are let go: a steady scroll frees at most a
+    // row or two per frame, so two queued cells in all are enough.
+    std::size_t queued = std::size_t(liveCellCount()) - visible_.size();
     for (auto& [id, queue] : reuseQueues_) {
-        while (queue.size() > 2) {
+        while (queued > 2 && !queue.empty()) {
             queue.front()->removeFromSuperview();
             queue.erase(queue.begin());
+            --queued;
         }
     }
     layoutSupplementaryViews(top, bottom);
@@ -738,8 +751,9 @@ void TableView::buildSwipeStrip(bool trailing) {
         double edge = trailing ? row.width : 0;
         for (std::size_t i = 0; i < config->actions().size(); ++i) {
             const auto& action = config->actions()[i];
-            double w = std::max(kMinimumActionWidth,
-                                gfx::TextMetrics::size(action->title(), gfx::Font::systemFont(15)).width + 30);
+            double w =
+                std::max(kMinimumActionWidth,
+                         gfx::TextMetrics::size(action->title(), gfx::Font::systemFont(15)).width + 30);
             auto button = std::make_shared<Button>();
             button->setTitle(action->title(), ControlState::Normal);
             button->setTitleColor(gfx::Color::whiteColor(), ControlState::Normal);

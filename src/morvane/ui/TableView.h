@@ -119,8 +119,7 @@ class TableView : public ScrollView {
 
     // ---- Cells -----------------------------------------------------------------
     // Cells for the identifier are made by the factory (the class registered).
-    template <class Cell>
-    void registerCell(const std::string& identifier) {
+    template <class Cell> void registerCell(const std::string& identifier) {
         registerCell(
             identifier,
             [](const std::string& id) { return std::make_shared<Cell>(TableViewCell::Style::Default, id); },
@@ -217,7 +216,9 @@ class TableView : public ScrollView {
     void measure();
     double checkedHeight(std::optional<double> height, double fallback, const char* what);
     bool valid(IndexPath indexPath) const;
-    std::size_t flatIndex(IndexPath indexPath) const { return sections_[std::size_t(indexPath.section)].firstRow + std::size_t(indexPath.row); }
+    std::size_t flatIndex(IndexPath indexPath) const {
+        return sections_[std::size_t(indexPath.section)].firstRow + std::size_t(indexPath.row);
+    }
     void layoutCells();
     void layoutSupplementaryViews(double top, double bottom);
     std::shared_ptr<TableViewCell> makeCell(IndexPath indexPath);
