@@ -18,6 +18,7 @@
 #include <memory>
 #include <optional>
 #include <string>
+#include <type_traits>
 #include <unordered_map>
 #include <vector>
 
@@ -66,7 +67,12 @@ class CollectionView : public ScrollView {
     template <class Cell> void registerCell(const std::string& identifier) {
         registerCell(
             identifier, [](const std::string& id) { return std::make_shared<Cell>(id); },
-            [](const CollectionViewCell& cell) { return dynamic_cast<const Cell*>(&cell) != nullptr; });
+            [](const CollectionViewCell& cell) {
+                if constexpr (std::is_same_v<Cell, CollectionViewCell>)
+                    return true;
+                else
+                    return dynamic_cast<const Cell*>(&cell) != nullptr;
+            });
     }
     void registerCell(const std::string& identifier, CellFactory factory,
                       std::function<bool(const CollectionViewCell&)> isOfClass = {});

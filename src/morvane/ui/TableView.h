@@ -33,6 +33,7 @@
 #include <memory>
 #include <optional>
 #include <string>
+#include <type_traits>
 #include <unordered_map>
 #include <vector>
 
@@ -123,7 +124,12 @@ class TableView : public ScrollView {
         registerCell(
             identifier,
             [](const std::string& id) { return std::make_shared<Cell>(TableViewCell::Style::Default, id); },
-            [](const TableViewCell& cell) { return dynamic_cast<const Cell*>(&cell) != nullptr; });
+            [](const TableViewCell& cell) {
+                if constexpr (std::is_same_v<Cell, TableViewCell>)
+                    return true;
+                else
+                    return dynamic_cast<const Cell*>(&cell) != nullptr;
+            });
     }
     void registerCell(const std::string& identifier, CellFactory factory,
                       std::function<bool(const TableViewCell&)> isOfClass = {});
