@@ -189,6 +189,25 @@ TEST_F(TableFixture, SwipeRevealsActionsWhoseHandlersRunAndClose) {
     EXPECT_FALSE(table->swipedRow());
     EXPECT_TRUE(rows.selected.empty());
 
+    // A full swipe runs the first action when the configuration allows it.
+    struct Full : Rows {
+        std::shared_ptr<SwipeActionsConfiguration> trailingSwipeActions(TableView& t, IndexPath at) override {
+            auto config = Rows::trailingSwipeActions(t, at);
+            config->setPerformsFirstActionWithFullSwipe(true);
+            return config;
+        }
+    };
+    calls.clear();
+    Full full;
+    full.trailing = rows.trailing;
+    table->setDelegate(&full);
+    host.runUntilIdle();
+    host.drag({380, 44 * 3 + 20}, {20, 44 * 3 + 20}, 0.2, 8);
+    EXPECT_EQ(calls, (std::vector<std::string>{"Remove"}));
+    EXPECT_FALSE(table->swipedRow());
+    table->setDelegate(&rows);
+    host.runUntilIdle();
+
     // Rows that cannot be edited have no actions: the drag just scrolls nowhere.
     rows.editable = false;
     host.drag({300, 44 * 3 + 20}, {120, 44 * 3 + 20}, 0.2, 8);

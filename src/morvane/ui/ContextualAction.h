@@ -59,7 +59,8 @@ class SwipeActionsConfiguration {
 
     // In order from the edge of the row inwards.
     const std::vector<std::shared_ptr<ContextualAction>>& actions() const { return actions_; }
-    // A full swipe runs the first action (off by default here: rows open and wait for a press).
+    // A swipe across most of the row runs the first action (off by default:
+    // rows open and wait for a press).
     bool performsFirstActionWithFullSwipe() const { return fullSwipe_; }
     void setPerformsFirstActionWithFullSwipe(bool on) { fullSwipe_ = on; }
 

@@ -709,11 +709,18 @@ void TableView::horizontalDragMoved(double dx) {
     showSwipe(offset);
 }
 
-void TableView::horizontalDragEnded(double, double velocity) {
+void TableView::horizontalDragEnded(double dx, double velocity) {
     if (!swipe_.row) return;
     double offset = swipe_.offset;
     double leading = actionsWidth(false);
     double trailing = actionsWidth(true);
+    // A swipe across most of the row runs the first action when the side allows it.
+    const auto& config = offset < 0 ? swipe_.trailing : swipe_.leading;
+    if (config && config->performsFirstActionWithFullSwipe() && std::abs(dx) > bounds().width * 0.6) {
+        showSwipe(offset < 0 ? -trailing : leading);
+        pressAction(0);
+        return;
+    }
     if (offset > 0 && (offset > leading / 2 || velocity > kFlickSpeed) && velocity > -kFlickSpeed)
         showSwipe(leading);
     else if (offset < 0 && (-offset > trailing / 2 || velocity < -kFlickSpeed) && velocity < kFlickSpeed)
