@@ -333,3 +333,106 @@ TEST_F(TableFixture, GroupedTableSnapshot) {
 
 } // namespace
 } // namespace morvane::ui
+
+namespace morvane::ui {
+namespace {
+
+struct Sectioned : Rows {
+    std::vector<std::string> shown;
+    int numberOfSections(TableView&) override { return 50; }
+    int numberOfRows(TableView&, int section) override { return section % 5 == 4 ? 0 : 10; }
+    std::optional<double> heightForHeader(TableView&, int) override { return 30; }
+    std::optional<double> heightForFooter(TableView&, int section) override {
+        return section % 2 ? std::optional<double>(12) : std::nullopt;
+    }
+    std::shared_ptr<View> viewForHeader(TableView&, int) override { return std::make_shared<View>(); }
+    std::shared_ptr<View> viewForFooter(TableView&, int) override { return std::make_shared<View>(); }
+    void willDisplayHeaderView(TableView&, View&, int section) override {
+        shown.push_back("header " + std::to_string(section));
+    }
+    void willDisplayFooterView(TableView&, View& footer, int section) override {
+        footer.setBackgroundColor(gfx::Color::redColor()); // a footer tint
+        shown.push_back("footer " + std::to_string(section));
+    }
+};
+
+TEST(TableSections, HeadersFootersAndEmptySectionsFindTheRightRows) {
+    HeadlessHost host;
+    Sectioned source;
+    auto table = std::make_shared<TableView>(gfx::Rect{0, 0, 390, 844});
+    table->setSectionFooterHeight(5);
+    table->registerCell<RowCell>("row");
+    table->setDataSource(&source);
+    table->setDelegate(&source);
+    host.root()->addSubview(table);
+    host.runUntilIdle();
+
+    // Section s starts after s headers, the rows of the non-empty sections
+    // before it, and their footers (12 for odd sections, 5 for even).
+    auto sectionTop = [](int s) {
+        double y = 0;
+        for (int i = 0; i < s; ++i)
+            y += 30 + (i % 5 == 4 ? 0 : 440) + (i % 2 ? 12 : 5);
+        return y;
+    };
+    EXPECT_EQ(table->rectForHeader(37).y, sectionTop(37));
+    EXPECT_EQ(table->rectForRow({37, 3}).y, sectionTop(37) + 30 + 3 * 44);
+    EXPECT_EQ(table->contentSize().height, sectionTop(50));
+    // A point in the section after an empty one (section 5 follows empty 4).
+    EXPECT_EQ(table->indexPathForRow({10, sectionTop(5) + 30 + 1}), (IndexPath{5, 0}));
+    EXPECT_EQ(table->indexPathForRow({10, sectionTop(4) + 10}), std::nullopt) << "a header has no row";
+
+    EXPECT_EQ(source.shown.front(), "header 0");
+    EXPECT_NE(std::find(source.shown.begin(), source.shown.end(), "footer 0"), source.shown.end());
+    EXPECT_EQ(std::find(source.shown.begin(), source.shown.end(), "footer 1"), source.shown.end())
+        << "off screen";
+
+    table->scrollToRow({37, 3}, TableView::ScrollPosition::Top, false);
+    host.runUntilIdle();
+    EXPECT_EQ(table->contentOffset().y, table->rectForRow({37, 3}).y);
+    auto visible = table->indexPathsForVisibleRows();
+    ASSERT_FALSE(visible.empty());
+    EXPECT_EQ(visible.front(), (IndexPath{37, 3}));
+    for (auto& cell : table->visibleCells())
+        EXPECT_EQ(static_cast<RowCell&>(*cell).row, cell->indexPath()->row);
+
+    // Multiple selection toggles rows; the delegate hears both ways.
+    table->setAllowsMultipleSelection(true);
+    gfx::Point first = table->convertPointTo(table->rectForRow({37, 3}).center(), nullptr);
+    gfx::Point second = table->convertPointTo(table->rectForRow({37, 5}).center(), nullptr);
+    host.tap(first);
+    host.tap(second);
+    EXPECT_EQ(table->indexPathsForSelectedRows(), (std::vector<IndexPath>{{37, 3}, {37, 5}}));
+    host.tap(first);
+    EXPECT_EQ(table->indexPathsForSelectedRows(), (std::vector<IndexPath>{{37, 5}}));
+}
+
+TEST(TableRefresh, BeginningAndEndingMakesAndGivesBackRoomAboveTheRows) {
+    HeadlessHost host;
+    Rows rows;
+    auto table = std::make_shared<TableView>(gfx::Rect{0, 0, 390, 844});
+    table->registerCell<RowCell>("row");
+    table->setDataSource(&rows);
+    auto refresh = std::make_shared<RefreshControl>();
+    int fired = 0;
+    refresh->addAction(ControlEvent::ValueChanged, [&](Control&) { ++fired; });
+    table->setRefreshControl(refresh);
+    host.root()->addSubview(table);
+    host.runUntilIdle();
+    refresh->beginRefreshing();
+    host.advance(1);
+    EXPECT_EQ(fired, 0) << "a program starting the refresh is not told";
+    EXPECT_EQ(table->contentOffset().y, -RefreshControl::kHeight);
+    EXPECT_EQ(table->adjustedContentInset().top, RefreshControl::kHeight);
+    EXPECT_EQ(refresh->frame().y, -RefreshControl::kHeight);
+    // The row under a tap is still found with the room in place.
+    host.tap({100, RefreshControl::kHeight + 44 + 10});
+    EXPECT_EQ(table->indexPathForSelectedRow(), IndexPath::forRow(1));
+    refresh->endRefreshing();
+    host.advance(1);
+    EXPECT_EQ(table->contentOffset().y, 0);
+    EXPECT_EQ(table->adjustedContentInset().top, 0);
+}
+
+} // namespace
+} // namespace morvane::ui
