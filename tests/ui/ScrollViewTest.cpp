@@ -1,3 +1,4 @@
+#include <morvane/ui/Button.h>
 #include <morvane/ui/HeadlessHost.h>
 #include <morvane/ui/ScrollView.h>
 #include <morvane/ui/Window.h>
@@ -52,6 +53,23 @@ TEST_F(ScrollFixture, DraggingMovesTheContentUnderTheFingerThenGlidesToRest) {
     host.advance(1);
     EXPECT_EQ(scroll->contentOffset().y, caught);
     host.touchUp({200, 300});
+}
+
+TEST_F(ScrollFixture, ADragStartingOnAButtonScrollsAndATapStillPresses) {
+    auto button = std::make_shared<Button>();
+    button->setFrame({50, 100, 200, 60});
+    int presses = 0;
+    button->addAction(ControlEvent::TouchUpInside, [&](Control&) { ++presses; });
+    scroll->addSubview(button);
+    host.runUntilIdle();
+    host.drag({150, 130}, {150, 30}, 0.5, 10);
+    EXPECT_NEAR(scroll->contentOffset().y, 100, 0.5);
+    EXPECT_EQ(presses, 0);
+    EXPECT_FALSE(button->isHighlighted()) << "the button was told its touch is gone";
+    host.advance(2);
+    scroll->setContentOffset({0, 0});
+    host.tap({150, 130});
+    EXPECT_EQ(presses, 1);
 }
 
 TEST_F(ScrollFixture, EdgesBounceOrStopAndDisabledScrollingStaysPut) {

@@ -3,6 +3,7 @@
 #include <morvane/gfx/Canvas.h>
 #include <morvane/sys/Clock.h>
 #include <morvane/sys/Timer.h>
+#include <morvane/ui/GestureRecognizer.h>
 #include <morvane/ui/RefreshControl.h>
 #include <morvane/ui/Touch.h>
 
@@ -30,6 +31,35 @@ bool finite(gfx::Point p) {
 
 } // namespace
 
+// The drag recogniser: forwards a touch's steps to the scroll view and
+// claims the touch once the scroll view calls it a drag.
+namespace detail {
+
+class ScrollPan : public GestureRecognizer {
+  public:
+    explicit ScrollPan(ScrollView& scroll) : scroll_(scroll) {}
+
+  protected:
+    void touchBegan(const Touch& touch) override { scroll_.panBegan(touch); }
+    void touchMoved(const Touch& touch) override {
+        if (scroll_.panMoved(touch)) setState(state() == State::Possible ? State::Began : State::Changed);
+    }
+    void touchEnded(const Touch& touch) override {
+        if (state() == State::Possible) return setState(State::Failed);
+        scroll_.panEnded(touch);
+        setState(State::Ended);
+    }
+    void touchCancelled(const Touch&) override {
+        if (state() != State::Possible) scroll_.panCancelled();
+        setState(State::Cancelled);
+    }
+
+  private:
+    ScrollView& scroll_;
+};
+
+} // namespace detail
+
 ScrollView::ScrollView() {
     setClipsToBounds(true);
     indicator_ = std::make_shared<View>();
@@ -38,6 +68,7 @@ ScrollView::ScrollView() {
     indicator_->setUserInteractionEnabled(false);
     indicator_->setHidden(true);
     addSubview(indicator_);
+    addGestureRecognizer(std::make_shared<detail::ScrollPan>(*this));
 }
 
 ScrollView::ScrollView(const gfx::Rect& frame) : ScrollView() {
@@ -203,20 +234,39 @@ void ScrollView::layoutIndicators() {
 
 void ScrollView::touchesBegan(const Touches& touches) {
     if (touches.empty()) return;
-    // A touch catches a gliding content where it is.
-    stopScrolling();
     tracking_ = true;
-    dragging_ = false;
-    horizontalDrag_ = false;
-    touchStart_ = touches.front().locationIn(nullptr);
-    offsetAtStart_ = contentOffset();
-    samples_.assign(1, {touches.front().timestamp(), touchStart_});
     touchBegan(touches.front().locationIn(this));
 }
 
-void ScrollView::touchesMoved(const Touches& touches) {
+void ScrollView::touchesMoved(const Touches&) {
+    // Movement is the pan recogniser's: a touch that moves far enough is
+    // claimed by it, and this view is told the touch was cancelled.
+}
+
+void ScrollView::touchesEnded(const Touches& touches) {
     if (!tracking_ || touches.empty()) return;
-    const Touch& touch = touches.front();
+    tracking_ = false;
+    if (refreshControl_) refreshControl_->touchEnded();
+    tapped(touches.front().locationIn(this));
+}
+
+void ScrollView::touchesCancelled(const Touches&) {
+    if (!tracking_) return;
+    tracking_ = false;
+    touchCancelled();
+}
+
+void ScrollView::panBegan(const Touch& touch) {
+    // A touch catches a gliding content where it is.
+    stopScrolling();
+    dragging_ = false;
+    horizontalDrag_ = false;
+    touchStart_ = touch.locationIn(nullptr);
+    offsetAtStart_ = contentOffset();
+    samples_.assign(1, {touch.timestamp(), touchStart_});
+}
+
+bool ScrollView::panMoved(const Touch& touch) {
     gfx::Point location = touch.locationIn(nullptr);
     gfx::Point previous = touch.previousLocationIn(nullptr);
     samples_.push_back({touch.timestamp(), location});
@@ -225,7 +275,7 @@ void ScrollView::touchesMoved(const Touches& touches) {
     double dy = location.y - touchStart_.y;
 
     if (!dragging_ && !horizontalDrag_) {
-        if (std::hypot(dx, dy) < kDragThreshold) return;
+        if (std::hypot(dx, dy) < kDragThreshold) return false;
         gfx::Point startInContent = convertPointFrom(touchStart_, nullptr);
         if (std::abs(dx) > std::abs(dy) && !canScrollHorizontally() && beginHorizontalDrag(startInContent)) {
             horizontalDrag_ = true;
@@ -233,12 +283,13 @@ void ScrollView::touchesMoved(const Touches& touches) {
             dragging_ = true;
             if (delegate_) delegate_->scrollViewWillBeginDragging(*this);
         } else {
-            return;
+            return false;
         }
+        touchCancelled();
     }
     if (horizontalDrag_) {
         horizontalDragMoved(dx);
-        return;
+        return true;
     }
 
     gfx::Point offset = contentOffset();
@@ -256,44 +307,28 @@ void ScrollView::touchesMoved(const Touches& touches) {
     offset.x = move(offset.x, location.x - previous.x, low.x, high.x, canScrollHorizontally());
     offset.y = move(offset.y, location.y - previous.y, low.y, high.y, canScrollVertically());
     applyOffset(offset);
+    return true;
 }
 
-void ScrollView::touchesEnded(const Touches& touches) {
-    if (!tracking_ || touches.empty()) return;
+void ScrollView::panEnded(const Touch& touch) {
     tracking_ = false;
-    const Touch& touch = touches.front();
-    if (horizontalDrag_) {
-        horizontalDrag_ = false;
-        double dx = touch.locationIn(nullptr).x - touchStart_.x;
-        double velocity = 0;
-        const Sample* oldest = nullptr;
-        for (auto& s : samples_)
-            if (touch.timestamp() - s.time <= kVelocityWindow) {
-                oldest = &s;
-                break;
-            }
-        if (oldest && touch.timestamp() > oldest->time)
-            velocity =
-                (touch.locationIn(nullptr).x - oldest->location.x) / (touch.timestamp() - oldest->time);
-        horizontalDragEnded(dx, velocity);
-        return;
-    }
-    if (!dragging_) {
-        if (refreshControl_) refreshControl_->touchEnded();
-        tapped(touch.locationIn(this));
-        return;
-    }
-    dragging_ = false;
-    gfx::Point velocity;
     gfx::Point end = touch.locationIn(nullptr);
+    // The release speed: from the oldest recent sample to the lift.
+    gfx::Point speed;
     for (auto& s : samples_) {
-        if (touch.timestamp() - s.time > kVelocityWindow) continue;
         double dt = touch.timestamp() - s.time;
-        if (dt > 0) velocity = {-(end.x - s.location.x) / dt, -(end.y - s.location.y) / dt};
+        if (dt > kVelocityWindow) continue;
+        if (dt > 0) speed = {(end.x - s.location.x) / dt, (end.y - s.location.y) / dt};
         break;
     }
-    if (!canScrollHorizontally()) velocity.x = 0;
-    if (!canScrollVertically()) velocity.y = 0;
+    if (horizontalDrag_) {
+        horizontalDrag_ = false;
+        horizontalDragEnded(end.x - touchStart_.x, speed.x);
+        return;
+    }
+    if (!dragging_) return;
+    dragging_ = false;
+    gfx::Point velocity{canScrollHorizontally() ? -speed.x : 0, canScrollVertically() ? -speed.y : 0};
     if (refreshControl_) refreshControl_->touchEnded();
     bool glide =
         std::hypot(velocity.x, velocity.y) > kStopSpeed || clamped(contentOffset()) != contentOffset();
@@ -304,8 +339,7 @@ void ScrollView::touchesEnded(const Touches& touches) {
         layoutIndicators();
 }
 
-void ScrollView::touchesCancelled(const Touches& touches) {
-    if (!tracking_) return;
+void ScrollView::panCancelled() {
     tracking_ = false;
     if (horizontalDrag_) {
         horizontalDrag_ = false;
@@ -315,7 +349,6 @@ void ScrollView::touchesCancelled(const Touches& touches) {
     bool wasDragging = dragging_;
     dragging_ = false;
     if (refreshControl_) refreshControl_->touchEnded();
-    (void)touches;
     if (wasDragging) beginGlide({});
 }
 

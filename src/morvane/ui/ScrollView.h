@@ -26,6 +26,9 @@ class Timer;
 
 namespace morvane::ui {
 
+namespace detail {
+class ScrollPan;
+}
 class RefreshControl;
 class ScrollView;
 
@@ -102,6 +105,8 @@ class ScrollView : public View {
     virtual void tapped(gfx::Point) {}
     // A touch that began; subclasses may track it (location in content coordinates).
     virtual void touchBegan(gfx::Point) {}
+    // The touch became a drag or was cancelled: no tap will follow.
+    virtual void touchCancelled() {}
     // A horizontal drag that the subclass takes over (swiping a row). Return
     // true from beginHorizontalDrag to claim it; the scroll view then leaves
     // the offset alone and forwards the movement until the touch ends.
@@ -113,6 +118,14 @@ class ScrollView : public View {
 
   private:
     friend class RefreshControl;
+    friend class detail::ScrollPan;
+    // Dragging is recognised by a pan recogniser on the scroll view, so that a
+    // drag starting on a button inside still scrolls (the button is cancelled).
+    void panBegan(const Touch& touch);
+    // True once the touch is a drag (the recogniser then claims it).
+    bool panMoved(const Touch& touch);
+    void panEnded(const Touch& touch);
+    void panCancelled();
     struct Sample {
         double time;
         gfx::Point location;

@@ -619,6 +619,13 @@ void TableView::touchBegan(gfx::Point location) {
     }
 }
 
+void TableView::touchCancelled() {
+    if (highlighted_) {
+        if (auto cell = cellForRow(*highlighted_)) cell->setHighlighted(false);
+        highlighted_.reset();
+    }
+}
+
 void TableView::tapped(gfx::Point location) {
     if (highlighted_) {
         if (auto cell = cellForRow(*highlighted_)) cell->setHighlighted(false);

@@ -190,6 +190,7 @@ class TableView : public ScrollView {
     void contentOffsetChanged() override;
     void touchBegan(gfx::Point location) override;
     void tapped(gfx::Point location) override;
+    void touchCancelled() override;
     bool beginHorizontalDrag(gfx::Point location) override;
     void horizontalDragMoved(double dx) override;
     void horizontalDragEnded(double dx, double velocity) override;
