@@ -21,6 +21,10 @@ enum class ControlEvent {
     TouchUpOutside, // the touch ended after leaving it: no press
     TouchCancel,
     ValueChanged,
+    EditingDidBegin,     // a text field took the focus
+    EditingChanged,      // its text changed through typing
+    EditingDidEnd,       // it gave the focus up
+    EditingDidEndOnExit, // return was pressed and accepted
 };
 
 enum class ControlState { Normal, Highlighted, Selected, Disabled };

@@ -7,6 +7,7 @@
 #include <morvane/ui/Renderer.h>
 #include <morvane/ui/Window.h>
 
+#include <algorithm>
 #include <fstream>
 
 namespace morvane::ui {
@@ -42,7 +43,31 @@ void HeadlessHost::touchUp(gfx::Point location) {
     runUntilIdle();
 }
 
+void HeadlessHost::drag(gfx::Point from, gfx::Point to, double duration, int steps) {
+    steps = std::max(1, steps);
+    touchDown(from);
+    for (int i = 1; i <= steps; ++i) {
+        advance(duration / steps);
+        double t = double(i) / steps;
+        touchMove({from.x + (to.x - from.x) * t, from.y + (to.y - from.y) * t});
+    }
+    touchUp(to);
+}
+
 void HeadlessHost::typeText(std::string_view text) {
+    // One UTF-8 sequence at a time: a lead byte and its continuation bytes.
+    std::size_t i = 0;
+    while (i < text.size()) {
+        std::size_t n = 1;
+        while (i + n < text.size() && (static_cast<unsigned char>(text[i + n]) & 0xC0) == 0x80)
+            ++n;
+        window_->sendText(text.substr(i, n));
+        runUntilIdle();
+        i += n;
+    }
+}
+
+void HeadlessHost::paste(std::string_view text) {
     window_->sendText(text);
     runUntilIdle();
 }

@@ -41,8 +41,14 @@ class HeadlessHost {
     void touchDown(gfx::Point location);
     void touchMove(gfx::Point location);
     void touchUp(gfx::Point location);
+    // A finger pressed at `from`, moved to `to` in `steps` even moves over
+    // `duration` seconds of the clock, and lifted (a scroll, a swipe, a pull).
+    void drag(gfx::Point from, gfx::Point to, double duration = 0.25, int steps = 10);
     // Typed text and keys for the focused view (nothing happens without one).
+    // Typing sends one character at a time, as a keyboard does.
     void typeText(std::string_view text);
+    // Pasted text arrives as one piece.
+    void paste(std::string_view text);
     bool pressKey(Key key);
 
     // Lays out, then runs everything due now on the main loop.

@@ -181,6 +181,14 @@ void WindowHost::handleEvents(double maxWait) {
             window_->sendText(event.text.text);
             break;
         case SDL_KEYDOWN:
+            if ((event.key.keysym.mod & KMOD_CTRL) && event.key.keysym.sym == SDLK_v) {
+                // A paste reaches the focused view as one piece of text.
+                if (char* clip = SDL_GetClipboardText()) {
+                    window_->sendText(clip);
+                    SDL_free(clip);
+                }
+                break;
+            }
             if (auto key = keyFor(event.key.keysym.sym)) window_->sendKey(*key);
             break;
         default:
