@@ -228,7 +228,16 @@ void fillBox(const PixelTarget& target, const DeviceBox& outerBox, const DeviceB
                 ++found;
             }
         }
-        if (isMiddle && found <= kMaxEdge) edgeCount = found;
+        if (isMiddle && found <= kMaxEdge) {
+            // The remaining middle rows repeat these pixels; their whole-pixel
+            // run is the same, so the band of rectangles carries on.
+            edgeCount = found;
+            int end = std::min(midBottom, j1);
+            for (int k = j + 1; k < end; ++k)
+                for (int e = 0; e < edgeCount; ++e)
+                    painter.put(edge[e].i, k, edge[e].s, edge[e].a);
+            j = std::max(j, end - 1);
+        }
     }
     flush(j1);
 }
