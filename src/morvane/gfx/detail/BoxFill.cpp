@@ -118,6 +118,39 @@ class Painter {
     std::uint32_t solid_;
 };
 
+// A row through the corners of a filled box with a run between them. Where
+// the row crosses each arc is worked out once: pixels well inside are covered
+// like the run, pixels beyond the arc's antialiasing ramp not at all, and only
+// the few in between need their distance to the arc.
+void cornerRow(Painter& painter, const DeviceBox& box, const Row& row, int j, int i0, int i1, int runFirst,
+               int runLast) {
+    constexpr double kFar = 1e9;
+    double r = box.radius, py = j + 0.5;
+    double dy = py < box.y0 + r ? box.y0 + r - py : py - (box.y1 - r);
+    // Half-widths of the arc's fully covered and touched parts at this row.
+    double within = kFar, reach = kFar;
+    if (dy >= 0) {
+        within = r - 0.5 > dy ? std::sqrt((r - 0.5) * (r - 0.5) - dy * dy) : -1;
+        reach = (r + 0.5) * (r + 0.5) > dy * dy ? std::sqrt((r + 0.5) * (r + 0.5) - dy * dy) : 0;
+    }
+    auto each = [&](int first, int last) {
+        for (int i = first; i < last; ++i) {
+            double c = coverage(box, row, i, j);
+            if (c > 0) painter.span(i, i + 1, j, c);
+        }
+    };
+    int leftStart = std::clamp(static_cast<int>(std::floor(box.x0 + r - reach - 0.5)), i0, runFirst);
+    int leftWhole = std::clamp(static_cast<int>(std::ceil(std::max(box.x0, box.x0 + r - within - 0.5))),
+                               leftStart, runFirst);
+    int rightWhole = std::clamp(
+        static_cast<int>(std::floor(std::min(box.x1 - 1, box.x1 - r + within - 0.5))) + 1, runLast, i1);
+    int rightEnd = std::clamp(static_cast<int>(std::floor(box.x1 - r + reach)) + 1, rightWhole, i1);
+    each(leftStart, leftWhole);
+    if (leftWhole < runFirst) painter.span(leftWhole, runFirst, j, row.cover);
+    if (runLast < rightWhole) painter.span(runLast, rightWhole, j, row.cover);
+    each(rightWhole, rightEnd);
+}
+
 DeviceBox clampedRadius(DeviceBox box) {
     box.radius = std::clamp(box.radius, 0.0, std::min(box.x1 - box.x0, box.y1 - box.y0) / 2);
     return box;
@@ -207,6 +240,10 @@ void fillBox(const PixelTarget& target, const DeviceBox& outerBox, const DeviceB
         if (isMiddle && edgeCount >= 0) {
             for (int e = 0; e < edgeCount; ++e)
                 painter.put(edge[e].i, j, edge[e].s, edge[e].a);
+            continue;
+        }
+        if (!hasInner && out.corner && runFirst < runLast) {
+            cornerRow(painter, outer, out, j, i0, i1, runFirst, runLast);
             continue;
         }
         int found = 0;
