@@ -1,4 +1,5 @@
 #include <morvane/gfx/Canvas.h>
+#include <morvane/gfx/detail/BoxFill.h>
 #include <morvane/gfx/detail/CanvasImpl.h>
 #include <morvane/gfx/detail/ImageAccess.h>
 #include <morvane/gfx/detail/ShadowMask.h>
@@ -114,6 +115,13 @@ void appendRoundedRect(cairo_t* cr, const Rect& rect, double cornerRadius) {
 Canvas::Impl::Impl(cairo_surface_t* target, double deviceScale) : surface(target), scale(deviceScale) {
     cairo_surface_set_device_scale(surface, scale, scale);
     cr = cairo_create(surface);
+    directPixels = cairo_surface_get_type(surface) == CAIRO_SURFACE_TYPE_IMAGE &&
+                   cairo_image_surface_get_format(surface) == CAIRO_FORMAT_ARGB32 &&
+                   cairo_image_surface_get_data(surface) != nullptr;
+    if (directPixels) {
+        state.clipX1 = cairo_image_surface_get_width(surface);
+        state.clipY1 = cairo_image_surface_get_height(surface);
+    }
     // At scale 2 and 3 a device pixel is small enough that a coarser curve
     // flattening and Cairo's cheaper 4 x 4 coverage grid look the same as the
     // defaults, at about half the cost per shape; at scale 1 keep full quality.
@@ -124,6 +132,7 @@ Canvas::Impl::Impl(cairo_surface_t* target, double deviceScale) : surface(target
 }
 
 Canvas::Impl::~Impl() {
+    if (pixels) pixman_image_unref(pixels);
     cairo_destroy(cr);
     cairo_surface_destroy(surface);
 }
@@ -131,6 +140,118 @@ Canvas::Impl::~Impl() {
 void Canvas::Impl::setSource(const Color& color) {
     cairo_set_source_rgba(cr, clamp01(color.red), clamp01(color.green), clamp01(color.blue),
                           clamp01(color.alpha) * state.alpha);
+}
+
+void Canvas::Impl::trackClip(const Rect& rect, bool isBox) {
+    if (!state.clipIsBox) return;
+    cairo_matrix_t m;
+    cairo_get_matrix(cr, &m);
+    if (!isBox || m.xy != 0 || m.yx != 0) {
+        state.clipIsBox = false;
+        return;
+    }
+    double ax = (m.x0 + m.xx * rect.x) * scale, bx = (m.x0 + m.xx * rect.maxX()) * scale;
+    double ay = (m.y0 + m.yy * rect.y) * scale, by = (m.y0 + m.yy * rect.maxY()) * scale;
+    state.clipX0 = std::max(state.clipX0, std::min(ax, bx));
+    state.clipX1 = std::min(state.clipX1, std::max(ax, bx));
+    state.clipY0 = std::max(state.clipY0, std::min(ay, by));
+    state.clipY1 = std::min(state.clipY1, std::max(ay, by));
+}
+
+namespace {
+
+// Whether the pixels [first, last) reach a pixel that a clip edge at `edge`
+// cuts partly (such a pixel needs Cairo's clip coverage).
+bool touchesPartialPixel(double edge, int first, int last) {
+    double cut = std::floor(edge);
+    return cut != edge && cut >= first && cut < last;
+}
+
+} // namespace
+
+bool Canvas::Impl::fillDirect(const Rect& outer, double outerRadius, const Rect* inner, double innerRadius,
+                              const Color& color) {
+    // Scale 1 stays with Cairo's finer coverage; at 2 and 3 the difference is
+    // below what a device pixel shows.
+    if (!directPixels || scale < 2 || state.blend != BlendMode::Normal || !state.clipIsBox) return false;
+    if (cairo_get_group_target(cr) != surface) return false; // inside a transparency layer
+    cairo_matrix_t m;
+    cairo_get_matrix(cr, &m);
+    if (m.xy != 0 || m.yx != 0 || !(m.xx > 0) || !(m.yy > 0)) return false;
+    // Round corners need the same scale on both axes.
+    if ((outerRadius > 0 || innerRadius > 0) && m.xx != m.yy) return false;
+    auto device = [&](const Rect& r, double radius) {
+        return detail::DeviceBox{(m.x0 + m.xx * r.x) * scale, (m.y0 + m.yy * r.y) * scale,
+                                 (m.x0 + m.xx * r.maxX()) * scale, (m.y0 + m.yy * r.maxY()) * scale,
+                                 radius * m.xx * scale};
+    };
+    detail::DeviceBox box = device(outer, outerRadius);
+    for (double v : {box.x0, box.y0, box.x1, box.y1, box.radius})
+        if (!std::isfinite(v) || std::abs(v) > 1e7) return false;
+    int first = static_cast<int>(std::floor(box.x0)), last = static_cast<int>(std::ceil(box.x1));
+    int top = static_cast<int>(std::floor(box.y0)), bottom = static_cast<int>(std::ceil(box.y1));
+    if (touchesPartialPixel(state.clipX0, first, last) || touchesPartialPixel(state.clipX1, first, last) ||
+        touchesPartialPixel(state.clipY0, top, bottom) || touchesPartialPixel(state.clipY1, top, bottom))
+        return false;
+
+    detail::PixelTarget target{
+        cairo_image_surface_get_data(surface),      cairo_image_surface_get_stride(surface),
+        static_cast<int>(std::ceil(state.clipX0)),  static_cast<int>(std::ceil(state.clipY0)),
+        static_cast<int>(std::floor(state.clipX1)), static_cast<int>(std::floor(state.clipY1))};
+    Color tone = color.clamped();
+    double alpha = tone.alpha * state.alpha;
+    detail::PremultipliedColor premultiplied{Color::toByte(alpha), Color::toByte(tone.red * alpha),
+                                             Color::toByte(tone.green * alpha),
+                                             Color::toByte(tone.blue * alpha)};
+    detail::DeviceBox hole{};
+    if (inner) hole = device(*inner, innerRadius);
+    // Cairo may hold the pixels elsewhere or share them with a snapshot until flushed.
+    cairo_surface_flush(surface);
+    // Whole pixels go to pixman, whose filling and blending use vector instructions.
+    if (!pixels)
+        pixels = pixman_image_create_bits(PIXMAN_a8r8g8b8, cairo_image_surface_get_width(surface),
+                                          cairo_image_surface_get_height(surface),
+                                          reinterpret_cast<std::uint32_t*>(target.data), target.stride);
+    struct Solid {
+        pixman_image_t* target;
+        pixman_image_t* source;
+        detail::PremultipliedColor color;
+    } solid{pixels, nullptr, premultiplied};
+    auto fillSolid = [](void* context, int x, int y, int w, int h) {
+        auto* s = static_cast<Solid*>(context);
+        const detail::PremultipliedColor& c = s->color;
+        if (c.a == 255) {
+            std::uint32_t value = 0xff000000u | std::uint32_t(c.r) << 16 | std::uint32_t(c.g) << 8 | c.b;
+            pixman_fill(pixman_image_get_data(s->target), pixman_image_get_stride(s->target) / 4, 32, x, y, w,
+                        h, value);
+            return;
+        }
+        if (!s->source) {
+            pixman_color_t color{std::uint16_t(c.r * 257), std::uint16_t(c.g * 257), std::uint16_t(c.b * 257),
+                                 std::uint16_t(c.a * 257)};
+            s->source = pixman_image_create_solid_fill(&color);
+        }
+        pixman_image_composite32(PIXMAN_OP_OVER, s->source, nullptr, s->target, 0, 0, 0, 0, x, y, w, h);
+    };
+    detail::fillBox(target, box, inner ? &hole : nullptr, premultiplied, {fillSolid, &solid});
+    if (solid.source) pixman_image_unref(solid.source);
+    int x0 = std::max(first, target.clipX0), y0 = std::max(top, target.clipY0);
+    int x1 = std::min(last, target.clipX1), y1 = std::min(bottom, target.clipY1);
+    if (x0 < x1 && y0 < y1) cairo_surface_mark_dirty_rectangle(surface, x0, y0, x1 - x0, y1 - y0);
+    return true;
+}
+
+// An outline is the ring between the shape grown and shrunk by half the line:
+// round corners grow with it, square ones stay square (Cairo's mitred joins).
+bool Canvas::Impl::strokeDirect(const Rect& rect, double cornerRadius, const Color& color, double lineWidth) {
+    if (!std::isfinite(lineWidth) || !std::isfinite(cornerRadius)) return false;
+    double radius = std::clamp(cornerRadius, 0.0, std::min(rect.width, rect.height) / 2);
+    double half = lineWidth / 2;
+    Rect outer = rect.insetBy(-half, -half);
+    Rect inner = rect.insetBy(half, half);
+    bool hollow = rect.width > lineWidth && rect.height > lineWidth;
+    return fillDirect(outer, radius > 0 ? radius + half : 0, hollow ? &inner : nullptr,
+                      std::max(0.0, radius - half), color);
 }
 
 // Fills or strokes the current path with the current source, honouring the
@@ -271,17 +392,21 @@ void Canvas::endTransparencyLayer(double alpha) {
 void Canvas::clipToRect(const Rect& rect) {
     if (!finiteRect(rect)) return;
     Rect r = rect.standardized();
+    impl_->trackClip(r, true);
     cairo_rectangle(impl_->cr, r.x, r.y, r.width, r.height);
     cairo_clip(impl_->cr);
 }
 
 void Canvas::clipToRoundedRect(const Rect& rect, double cornerRadius) {
     if (!finiteRect(rect)) return;
+    Rect r = rect.standardized();
+    impl_->trackClip(r, !(std::clamp(cornerRadius, 0.0, std::min(r.width, r.height) / 2) > 0));
     appendRoundedRect(impl_->cr, rect, cornerRadius);
     cairo_clip(impl_->cr);
 }
 
 void Canvas::clipToPath(const Path& path, FillRule rule) {
+    impl_->state.clipIsBox = false;
     cairo_new_path(impl_->cr);
     appendPath(impl_->cr, path);
     cairo_set_fill_rule(impl_->cr,
@@ -315,6 +440,7 @@ void Canvas::clear(const Color& color) {
 void Canvas::fillRect(const Rect& rect, const Color& color) {
     if (rect.isEmpty() || !finiteRect(rect)) return;
     Rect r = rect.standardized();
+    if (impl_->fillDirect(r, 0, nullptr, 0, color)) return;
     cairo_rectangle(impl_->cr, r.x, r.y, r.width, r.height);
     impl_->setSource(color);
     impl_->finish(false);
@@ -323,6 +449,7 @@ void Canvas::fillRect(const Rect& rect, const Color& color) {
 void Canvas::strokeRect(const Rect& rect, const Color& color, double lineWidth) {
     if (!(lineWidth > 0) || !finiteRect(rect)) return;
     Rect r = rect.standardized();
+    if (impl_->strokeDirect(r, 0, color, lineWidth)) return;
     cairo_rectangle(impl_->cr, r.x, r.y, r.width, r.height);
     cairo_set_line_width(impl_->cr, lineWidth);
     impl_->setSource(color);
@@ -331,6 +458,10 @@ void Canvas::strokeRect(const Rect& rect, const Color& color, double lineWidth) 
 
 void Canvas::fillRoundedRect(const Rect& rect, double cornerRadius, const Color& color) {
     if (rect.isEmpty() || !finiteRect(rect)) return;
+    Rect r = rect.standardized();
+    if (impl_->fillDirect(r, std::clamp(cornerRadius, 0.0, std::min(r.width, r.height) / 2), nullptr, 0,
+                          color))
+        return;
     appendRoundedRect(impl_->cr, rect, cornerRadius);
     impl_->setSource(color);
     impl_->finish(false);
@@ -338,6 +469,7 @@ void Canvas::fillRoundedRect(const Rect& rect, double cornerRadius, const Color&
 
 void Canvas::strokeRoundedRect(const Rect& rect, double cornerRadius, const Color& color, double lineWidth) {
     if (!(lineWidth > 0) || !finiteRect(rect)) return;
+    if (impl_->strokeDirect(rect.standardized(), cornerRadius, color, lineWidth)) return;
     appendRoundedRect(impl_->cr, rect, cornerRadius);
     cairo_set_line_width(impl_->cr, lineWidth);
     impl_->setSource(color);
