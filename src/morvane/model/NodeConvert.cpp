@@ -8,6 +8,20 @@
 
 namespace morvane {
 
+namespace {
+
+// The conversion copies keep only texts, Nodes and lists. A geometry file is
+// mostly lists of numbers, whose copies stay empty: reserving the source's
+// size would allocate a buffer for each of them that is never used.
+std::size_t keptCount(const List& list) {
+    std::size_t kept = 0;
+    for (const Value& element : list)
+        kept += element.isText() || element.isNode() || element.isList();
+    return kept;
+}
+
+} // namespace
+
 NodePtr Node::mutableKey(std::string_view path) const {
     NodePtr result = Node::make();
     result->reserve(entries_.size());
@@ -34,7 +48,7 @@ NodePtr Node::mutableKey(std::string_view path) const {
 ListPtr Node::mutableArrayChange(const ListPtr& list, std::string_view path) const {
     ListPtr result = List::make();
     if (!list) return result;
-    result->items().reserve(list->size());
+    if (const std::size_t kept = keptCount(*list)) result->items().reserve(kept);
     long index = 0;
     for (const Value& element : list->items()) {
         if (const NodePtr& node = element.node()) {
@@ -71,7 +85,7 @@ NodePtr Node::mutableChange() const {
 ListPtr Node::mutableArrayChange(const ListPtr& list) const {
     ListPtr result = List::make();
     if (!list) return result;
-    result->items().reserve(list->size());
+    if (const std::size_t kept = keptCount(*list)) result->items().reserve(kept);
     for (const Value& element : list->items()) {
         if (element.isNode())
             result->push(Value(element.node()->mutableChange()));
