@@ -230,17 +230,18 @@ void gatherArray(const njson& array, const std::string& key, const std::string& 
 void purgeArray(njson& array, const std::string& word);
 
 void purgeObject(njson& node, const std::string& word) {
+    // Like the NodeTree's walk, only the keys of objects and texts are searched.
+    auto hit = [&](const auto& it) { return it.key().find(word) != std::string::npos; };
     for (auto it = node.begin(); it != node.end();) {
-        const bool hit = it.key().find(word) != std::string::npos;
         if (it->is_object()) {
-            if (hit) {
+            if (hit(it)) {
                 it = node.erase(it);
                 continue;
             }
             purgeObject(*it, word);
         } else if (it->is_array()) {
             purgeArray(*it, word);
-        } else if (it->is_string() && hit) {
+        } else if (it->is_string() && hit(it)) {
             it = node.erase(it);
             continue;
         }
