@@ -160,7 +160,12 @@ njson changeObject(const njson& node) {
 
 njson changeArray(const njson& array) {
     njson copy = njson::array();
-    copy.get_ref<njson::array_t&>().reserve(array.size());
+    // Like the NodeTree's copy, reserve only what is kept (a list of numbers
+    // becomes an empty list without a buffer).
+    const auto kept = std::count_if(array.begin(), array.end(), [](const njson& element) {
+        return element.is_object() || element.is_array() || element.is_string();
+    });
+    if (kept > 0) copy.get_ref<njson::array_t&>().reserve(static_cast<std::size_t>(kept));
     for (const njson& element : array) {
         if (element.is_object())
             copy.push_back(changeObject(element));
