@@ -13,18 +13,30 @@ namespace {
 // The conversion copies keep only texts, Nodes and lists. A geometry file is
 // mostly lists of numbers, whose copies stay empty: reserving the source's
 // size would allocate a buffer for each of them that is never used.
+bool kept(const Value& value) {
+    return value.isText() || value.isNode() || value.isList();
+}
+
 std::size_t keptCount(const List& list) {
-    std::size_t kept = 0;
+    std::size_t count = 0;
     for (const Value& element : list)
-        kept += element.isText() || element.isNode() || element.isList();
-    return kept;
+        count += kept(element);
+    return count;
+}
+
+// The same for a Node: a record of numbers and flags becomes an empty Node.
+std::size_t keptCount(const Node& node) {
+    std::size_t count = 0;
+    for (const auto& entry : node)
+        count += kept(entry.second);
+    return count;
 }
 
 } // namespace
 
 NodePtr Node::mutableKey(std::string_view path) const {
     NodePtr result = Node::make();
-    result->reserve(entries_.size());
+    if (const std::size_t count = keptCount(*this)) result->reserve(count);
     for (const auto& [key, value] : entries_) {
         if (const NodePtr& child = value.node()) {
             std::string childPath(path);
@@ -48,7 +60,7 @@ NodePtr Node::mutableKey(std::string_view path) const {
 ListPtr Node::mutableArrayChange(const ListPtr& list, std::string_view path) const {
     ListPtr result = List::make();
     if (!list) return result;
-    if (const std::size_t kept = keptCount(*list)) result->items().reserve(kept);
+    if (const std::size_t count = keptCount(*list)) result->items().reserve(count);
     long index = 0;
     for (const Value& element : list->items()) {
         if (const NodePtr& node = element.node()) {
@@ -70,7 +82,7 @@ ListPtr Node::mutableArrayChange(const ListPtr& list, std::string_view path) con
 
 NodePtr Node::mutableChange() const {
     NodePtr result = Node::make();
-    result->reserve(entries_.size());
+    if (const std::size_t count = keptCount(*this)) result->reserve(count);
     for (const auto& [key, value] : entries_) {
         if (value.isNode())
             result->appendUnchecked(key, Value(value.node()->mutableChange()));
@@ -85,7 +97,7 @@ NodePtr Node::mutableChange() const {
 ListPtr Node::mutableArrayChange(const ListPtr& list) const {
     ListPtr result = List::make();
     if (!list) return result;
-    if (const std::size_t kept = keptCount(*list)) result->items().reserve(kept);
+    if (const std::size_t count = keptCount(*list)) result->items().reserve(count);
     for (const Value& element : list->items()) {
         if (element.isNode())
             result->push(Value(element.node()->mutableChange()));
