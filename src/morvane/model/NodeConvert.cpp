@@ -85,12 +85,15 @@ NodePtr Node::mutableChange() const {
     if (const std::size_t count = keptCount(*this)) result->reserve(count);
     for (const auto& [key, value] : entries_) {
         if (value.isNode())
-            result->appendUnchecked(key, Value(value.node()->mutableChange()));
+            result->entries_.emplace_back(key, Value(value.node()->mutableChange()));
         else if (value.isList())
-            result->appendUnchecked(key, Value(mutableArrayChange(value.list())));
+            result->entries_.emplace_back(key, Value(mutableArrayChange(value.list())));
         else if (value.isText())
-            result->appendUnchecked(key, value);
+            result->entries_.emplace_back(key, value);
     }
+    // The keys are the source's, so they are distinct; the index (of a large
+    // copy) is built once at its final size rather than grown key by key.
+    result->rebuildIndex();
     return result;
 }
 
