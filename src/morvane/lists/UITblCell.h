@@ -1,0 +1,117 @@
+#pragma once
+// UITblCell: one row of a UITbl. A circular picture at the left, a bold
+// header line, an italic body of several lines under it, a price at the right
+// and a circular check mark. Everything is placed from the cell's own height
+// and the system font size, so the row height alone scales the whole row.
+// All texts are white: the cell expects the dark background its list gives it.
+//
+//   cell->addImage("https://example.com/hotel.jpg", "2024.05.01T10:00:00");
+//   cell->addHeader("World/THA/Bangkok");        // shows "Bangkok"
+//   cell->addBody("Sukhumvit 11");
+//   cell->addPrice("120 EUR");
+//   cell->showCheckLabel(true);
+//
+// Pictures come through the photo loader (ZBImageModel) with a spinner in the
+// meantime. The loader may answer on any thread; the cell moves the work to
+// the main queue and leaves a released cell alone. Only the answer to the
+// latest addImage is shown: a cell reused for another row does not pick up
+// the picture of the row it showed before. Main thread only.
+
+#include <morvane/gfx/Color.h>
+#include <morvane/gfx/Geometry.h>
+#include <morvane/gfx/Image.h>
+#include <morvane/ui/ActivityIndicator.h>
+#include <morvane/ui/ImageView.h>
+#include <morvane/ui/Label.h>
+#include <morvane/ui/TableViewCell.h>
+#include <morvane/ui/TextView.h>
+
+#include <cstdint>
+#include <memory>
+#include <optional>
+#include <span>
+#include <string>
+#include <string_view>
+
+namespace morvane {
+
+class UITblCell : public ui::TableViewCell {
+  public:
+    // Pictures narrower than this (width / height) are tall: fitted on their corner colour.
+    static constexpr double kTallRatio = 0.8;
+    // Pictures at least this wide fill the circle; those in between are fitted.
+    static constexpr double kWideRatio = 1.2;
+    // The gap left and right of the content, and the mask's inset above and below.
+    static constexpr double kSideInset = 5;
+    static constexpr double kTopInset = 2.5;
+
+    // initWithStyle:reuseIdentifier:. Builds photo, price, header, body, check
+    // mark and spinner, in that order, inside the content view.
+    explicit UITblCell(Style style = Style::Default, std::string reuseIdentifier = {});
+    ~UITblCell() override;
+
+    const std::shared_ptr<ui::ActivityIndicator>& indicator() const { return indicator_; }
+    const std::shared_ptr<ui::ImageView>& photo() const { return photo_; }
+    const std::shared_ptr<ui::Label>& headLbl() const { return headLbl_; }
+    const std::shared_ptr<ui::TextView>& bodyLbl() const { return bodyLbl_; }
+    const std::shared_ptr<ui::Label>& priceLbl() const { return priceLbl_; }
+    const std::shared_ptr<ui::Label>& checkLabel() const { return checkLabel_; }
+
+    // ---- Filling -------------------------------------------------------------
+    // No name hides the photo. A name (resource picture or address) shows the
+    // spinner and loads the picture for the date stamp (which may be absent).
+    void addImage(std::optional<std::string_view> name, std::optional<std::string_view> imgd);
+    // Shows the last piece of the text after "-" and then "/" splits, without
+    // its "<en>" markers; returns that piece with the markers kept, so the
+    // caller can hand it to a translator.
+    std::string addHeader(std::string_view text);
+    // No text empties the body; a text starts the body or goes below it on a new line.
+    void addBody(std::optional<std::string_view> text);
+    // No text hides the price; a text sets and shows it.
+    void addPrice(std::optional<std::string_view> text);
+    void showCheckLabel(bool show);
+    // True: the spinner shows and turns and the photo hides; false: the reverse.
+    void showProgress(bool show);
+
+    // ---- Layout helpers --------------------------------------------------------
+    // 1.5 times the height of "Sample Text" in the system font at the system size.
+    static double getTextHeight();
+    // The view's y plus its height (plus the offset).
+    static double bottomOf(const ui::View& view, double offset = 0);
+    // The cell's height minus bottomOf(view, offset): the room left below the view.
+    double heightOf(const ui::View& view, double offset) const;
+    // A white border of that width.
+    static void addBorder(ui::View& view, double width);
+    // Masks the view to its bounds less 5 points left and right and 2.5 above
+    // and below, so that stacked rows show a gap between them.
+    static void insetIt(ui::View& view);
+
+    // ---- Picture sampling --------------------------------------------------------
+    // The colour one pixel in from the picture's top-left corner; nothing when
+    // the picture cannot be read.
+    static std::optional<gfx::Color> getColorOfCornersForImage(const gfx::Image& image);
+    // The pixel at (x, y) of ARGB bytes with rows of `width` pixels; nothing
+    // outside the bytes.
+    static std::optional<gfx::Color> getColorAtPoint(gfx::Point point, std::span<const std::uint8_t> data,
+                                                     int width);
+
+    void setSelected(bool selected, bool animated = false) override;
+
+  protected:
+    void layoutSubviews() override;
+
+  private:
+    // Places a picture that arrived by its shape and shows it.
+    void showLoaded(const gfx::Image& image);
+
+    std::shared_ptr<ui::ActivityIndicator> indicator_;
+    std::shared_ptr<ui::ImageView> photo_;
+    std::shared_ptr<ui::Label> headLbl_;
+    std::shared_ptr<ui::TextView> bodyLbl_;
+    std::shared_ptr<ui::Label> priceLbl_;
+    std::shared_ptr<ui::Label> checkLabel_;
+    // Counts addImage calls; a picture is shown only if no later call came.
+    std::uint64_t pictureRequest_ = 0;
+};
+
+} // namespace morvane
