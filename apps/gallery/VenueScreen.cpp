@@ -1,0 +1,194 @@
+#include "VenueScreen.h"
+
+#include "Translator.h"
+#include "VenueData.h"
+
+#include <morvane/gfx/Font.h>
+#include <morvane/model/List.h>
+#include <morvane/model/Node.h>
+#include <morvane/sys/Queue.h>
+#include <morvane/util/Colors.h>
+
+#include <utility>
+
+namespace gallery {
+
+using namespace morvane;
+
+namespace {
+
+const gfx::Color kBarColor = Colors::hex("#14213D");
+const gfx::Color kListColor = Colors::hex("#1D3557");
+const gfx::Color kCallColor = Colors::hex("#2A9D8F");
+const gfx::Color kSaveColor = Colors::hex("#E76F51");
+constexpr double kBarHeight = 104;
+constexpr double kStatusHeight = 44;
+
+std::shared_ptr<ui::Label> makeLabel(const gfx::Font& font, const gfx::Color& color) {
+    auto label = std::make_shared<ui::Label>();
+    label->setFont(font);
+    label->setTextColor(color);
+    return label;
+}
+
+} // namespace
+
+VenueScreen::VenueScreen(const gfx::Rect& frame, std::string title, std::string subtitle,
+                         std::shared_ptr<Translator> translator, RowSource rows)
+    : View(frame), translator_(std::move(translator)), rows_(std::move(rows)) {
+    setBackgroundColor(kBarColor);
+
+    titleBar_ = std::make_shared<ui::View>();
+    titleBar_->setBackgroundColor(kBarColor);
+    title_ = makeLabel(gfx::Font::boldSystemFont(30), gfx::Color::whiteColor());
+    title_->setText(std::move(title));
+    subtitle_ = makeLabel(gfx::Font::systemFont(15), Colors::hex("#A8DADC"));
+    subtitle_->setText(std::move(subtitle));
+    titleBar_->addSubview(title_);
+    titleBar_->addSubview(subtitle_);
+    addSubview(titleBar_);
+
+    list_ = std::make_shared<UITbl>();
+    list_->setBackgroundColor(kListColor);
+    addSubview(list_);
+    configureList();
+
+    status_ = makeLabel(gfx::Font::systemFont(14), Colors::hex("#F1FAEE"));
+    status_->setTextAlignment(gfx::TextAlignment::Center);
+    status_->setBackgroundColor(kBarColor);
+    status_->setText("Tap a place · swipe for actions · pull to refresh");
+    addSubview(status_);
+}
+
+std::shared_ptr<VenueScreen> VenueScreen::make(const gfx::Rect& frame, std::string title,
+                                               std::string subtitle, std::shared_ptr<Translator> translator,
+                                               RowSource rows) {
+    auto screen = std::make_shared<VenueScreen>(frame, std::move(title), std::move(subtitle),
+                                                std::move(translator), std::move(rows));
+    screen->watchList();
+    screen->showEdition(0);
+    return screen;
+}
+
+void VenueScreen::configureList() {
+    // The callbacks run once each, in this order, every time cfg is called;
+    // each receives what it may change, already reset to the list's default.
+    list_->cfg([](auto& image) { image = {"picture"}; }, // picture: the venue's photo
+               [](auto& header) { header = {"name"}; },  // header line
+               [](auto& body) {
+                   body = {"where", "note", "saved"};
+               },                                      // body lines, in order
+               [](auto& price) { price = {"price"}; }, // price at the right
+               [](bool& sort) { sort = true; },        // sort on every refresh
+               [](auto& sortBy) {
+                   sortBy = {"rating", "name"};
+               },                                                 // best rated first
+               [](bool& ascending) { ascending = false; },        // ... descending
+               [](float& lines) { lines = 5; },                   // rows five text lines high
+               [](float&) {},                                     // columns: grids only
+               [](bool& checkBox) { checkBox = true; },           // check mark on the selection
+               [](std::string& selection) { selection.clear(); }, // nothing selected yet
+               [](bool& incKey) { incKey = false; });             // body lines without their keys
+}
+
+void VenueScreen::watchList() {
+    // The list outlives no screen, but its callbacks may run from posted work
+    // after the screen is gone: they hold the screen weakly.
+    std::weak_ptr<VenueScreen> weak = std::static_pointer_cast<VenueScreen>(shared_from_this());
+    list_->watchTbl(
+        "venues",
+        [weak](const Value& key, const NodePtr& row) {
+            if (auto self = weak.lock()) self->onSelect(key, row);
+        },
+        [weak](const Value& key, const NodePtr& row) {
+            if (auto self = weak.lock()) self->onPopulate(key, row);
+        },
+        [weak](const std::string&, const NodePtr&) {
+            if (auto self = weak.lock()) self->onPull();
+        });
+    list_->watchSwipe("Call", kCallColor, [weak](long, const NodePtr& row) {
+        if (auto self = weak.lock()) self->onCall(row);
+    });
+    list_->watchSwipeLeft("Save", kSaveColor, [weak](long, const NodePtr& row) {
+        if (auto self = weak.lock()) self->onSave(row);
+    });
+    list_->watchTranslate(
+        [translator = translator_](const std::string& text, UITbl::TranslateCompletion done) {
+            translator->translate(text, std::move(done));
+        });
+}
+
+void VenueScreen::onSelect(const Value& key, const NodePtr& row) {
+    ++events_.selects;
+    events_.lastSelected = key.toText();
+    if (!swipeMessage_.empty()) {
+        say(std::exchange(swipeMessage_, {}));
+        return;
+    }
+    say("Selected " + displayName(row));
+}
+
+void VenueScreen::onPopulate(const Value& key, const NodePtr& row) {
+    // Rows are built just before they are drawn: the place to add what the
+    // data does not carry as such.
+    const std::string category = row->get("category").textOr(), area = row->get("area").textOr();
+    row->set("where", category.empty() || area.empty() ? category + area : category + " · " + area);
+    row->set("saved", isSaved(key.toText()) ? Value("★ Saved for later") : Value());
+}
+
+void VenueScreen::onPull() {
+    ++events_.refreshes;
+    say("Looking for news…");
+    // Reload after the pull's touch has been handled, not in the middle of it.
+    std::weak_ptr<VenueScreen> weak = std::static_pointer_cast<VenueScreen>(shared_from_this());
+    sys::Queue::main().async([weak] {
+        auto self = weak.lock();
+        if (!self) return;
+        self->showEdition(self->edition_ + 1);
+        self->say("Updated · " + std::to_string(self->list_->myData()->size()) + " places");
+    });
+}
+
+void VenueScreen::onCall(const NodePtr& row) {
+    ++events_.calls;
+    swipeMessage_ = "Calling " + displayName(row) + " · " + (row ? row->get("phone").textOr() : "");
+}
+
+void VenueScreen::onSave(const NodePtr& row) {
+    if (!row) return;
+    ++events_.saves;
+    const std::string key = row->get("key").toText();
+    const bool saving = saved_.insert(key).second;
+    if (!saving) saved_.erase(key);
+    swipeMessage_ = (saving ? "Saved " : "No longer saved: ") + displayName(row);
+    // Redraw after the action has finished, so the row shows its new line.
+    std::weak_ptr<UITbl> list = list_;
+    sys::Queue::main().async([list] {
+        if (auto alive = list.lock()) alive->refresh();
+    });
+}
+
+void VenueScreen::showEdition(int edition) {
+    edition_ = edition;
+    list_->clear();
+    const ListPtr rows = rows_ ? rows_(edition) : nullptr;
+    if (rows)
+        for (const Value& row : *rows)
+            list_->adData(row);
+    list_->refresh();
+}
+
+void VenueScreen::say(const std::string& text) {
+    status_->setText(text);
+}
+
+void VenueScreen::layoutSubviews() {
+    const gfx::Size size = bounds().size();
+    titleBar_->setFrame({0, 0, size.width, kBarHeight});
+    title_->setFrame({20, 44, size.width - 40, 36});
+    subtitle_->setFrame({20, 78, size.width - 40, 20});
+    list_->setFrame({0, kBarHeight, size.width, size.height - kBarHeight - kStatusHeight});
+    status_->setFrame({0, size.height - kStatusHeight, size.width, kStatusHeight});
+}
+
+} // namespace gallery
