@@ -162,7 +162,7 @@ bool Tour::swipeToSave() {
     if (!waitForScreen("save")) return false;
     return shoot("06-saved.png", "Saved for later",
                  "The Save action marks the venue; the populate callback adds a line to the row when it is "
-                 "drawn again.");
+                 "drawn again. Translated lines come later, so they land below it.");
 }
 
 bool Tour::pullToRefresh() {
@@ -180,7 +180,10 @@ bool Tour::pullToRefresh() {
         host_->touchMove({start.x, start.y + step * 15.0});
     }
     const bool shot =
-        shoot("07-pull.png", "Pull to refresh", "Pulling the list down past its top asks the app for news.");
+        shoot("07-pull.png", "Pull to refresh",
+              "Pulling the list down past its top calls the app's refresh callback at once: the new "
+              "venue is in while the finger is still down, and spinners turn while the newer photos "
+              "download.");
     host_->touchUp({start.x, start.y + 180});
     host_->advance(1);
     if (!shot) return false;

@@ -1,0 +1,178 @@
+// Runs the gallery as built, the way the README's main job does, and checks
+// what it leaves: the pages, the screenshots they name, and nothing else.
+
+#include <morvane/gfx/Image.h>
+
+#include <gtest/gtest.h>
+
+#include <sys/wait.h>
+
+#include <algorithm>
+#include <array>
+#include <cstdio>
+#include <cstdlib>
+#include <filesystem>
+#include <fstream>
+#include <regex>
+#include <sstream>
+#include <string>
+#include <vector>
+
+#include <unistd.h>
+
+namespace fs = std::filesystem;
+
+namespace {
+
+struct Outcome {
+    int status = -1;
+    std::string out; // standard output and error together
+};
+
+std::string quote(const std::string& arg) {
+    std::string out = "'";
+    for (char c : arg)
+        out += c == '\'' ? std::string("'\\''") : std::string(1, c);
+    return out + "'";
+}
+
+std::string readFile(const fs::path& path) {
+    std::ifstream in(path, std::ios::binary);
+    std::ostringstream text;
+    text << in.rdbuf();
+    return text.str();
+}
+
+// A fresh folder per test, which is also the gallery's temporary folder, so
+// the test sees whether the run cleaned up after itself.
+class GalleryRun : public ::testing::Test {
+  protected:
+    void SetUp() override {
+        std::string pattern = (fs::temp_directory_path() / "morvane-gallery-test-XXXXXX").string();
+        ASSERT_NE(::mkdtemp(pattern.data()), nullptr);
+        dir_ = pattern;
+        fs::create_directories(dir_ / "tmp");
+    }
+    void TearDown() override { fs::remove_all(dir_); }
+
+    // `environment` is put in front of the command ("NAME=value ...").
+    Outcome run(const std::vector<std::string>& args, const std::string& environment = "") {
+        std::string command = "TMPDIR=" + quote((dir_ / "tmp").string()) + " " + environment + " " +
+                              quote(MORVANE_GALLERY_BINARY);
+        for (const auto& arg : args)
+            command += " " + quote(arg);
+        command += " 2>&1";
+        Outcome result;
+        FILE* pipe = ::popen(command.c_str(), "r");
+        if (!pipe) return result;
+        std::array<char, 4096> buffer;
+        std::size_t n;
+        while ((n = std::fread(buffer.data(), 1, buffer.size(), pipe)) > 0)
+            result.out.append(buffer.data(), n);
+        const int status = ::pclose(pipe);
+        result.status = WIFEXITED(status) ? WEXITSTATUS(status) : -1;
+        return result;
+    }
+
+    fs::path dir_;
+};
+
+// The share of pixels in the rectangle (in points, scale 2) that are clearly
+// coloured: neither the lists' dark blues nor white, grey or black text.
+double colourfulShare(const morvane::gfx::Image& image, double x0, double y0, double x1, double y1) {
+    int colourful = 0, all = 0;
+    for (int y = int(y0 * 2); y < int(y1 * 2) && y < image.pixelHeight(); y += 2)
+        for (int x = int(x0 * 2); x < int(x1 * 2) && x < image.pixelWidth(); x += 2) {
+            const auto c = image.pixelColor(x, y);
+            if (!c) continue;
+            ++all;
+            const double high = std::max({c->red, c->green, c->blue}),
+                         low = std::min({c->red, c->green, c->blue});
+            if (high - low > 0.3) ++colourful;
+        }
+    return all ? double(colourful) / all : 0;
+}
+
+// Pixels close to the colour in the rectangle (points, scale 2).
+int pixelsNear(const morvane::gfx::Image& image, morvane::gfx::Color colour, double x0, double y0, double x1,
+               double y1) {
+    int near = 0;
+    for (int y = int(y0 * 2); y < int(y1 * 2) && y < image.pixelHeight(); ++y)
+        for (int x = int(x0 * 2); x < int(x1 * 2) && x < image.pixelWidth(); ++x)
+            if (auto c = image.pixelColor(x, y); c && c->isClose(colour, 0.04)) ++near;
+    return near;
+}
+
+} // namespace
+
+TEST_F(GalleryRun, writes_pages_whose_screenshots_show_the_list_with_its_pictures) {
+    const fs::path out = dir_ / "pages";
+    const Outcome outcome = run({"--out", out.string(), "--wait", "120"});
+    ASSERT_EQ(outcome.status, 0) << outcome.out;
+    EXPECT_NE(outcome.out.find((out / "index.html").string()), std::string::npos)
+        << "it says where the pages are: " << outcome.out;
+
+    // Every picture the page names exists, is a PNG of a phone screen at scale 2, and has a caption.
+    const std::string page = readFile(out / "index.html");
+    ASSERT_NE(page.find("<!DOCTYPE html>"), std::string::npos);
+    const std::regex image("<img src=\"([^\"]+)\"");
+    std::vector<std::string> named;
+    for (auto it = std::sregex_iterator(page.begin(), page.end(), image); it != std::sregex_iterator(); ++it)
+        named.push_back((*it)[1]);
+    ASSERT_GE(named.size(), 6u) << page;
+    const std::regex caption("<figcaption><b>[^<]+</b>[^<]+</figcaption>");
+    EXPECT_EQ(named.size(), std::size_t(std::distance(std::sregex_iterator(page.begin(), page.end(), caption),
+                                                      std::sregex_iterator())));
+    for (const std::string& name : named) {
+        const std::string bytes = readFile(out / name);
+        ASSERT_GT(bytes.size(), 8u) << name;
+        EXPECT_EQ(bytes.substr(0, 8), std::string("\x89PNG\r\n\x1a\n", 8)) << name;
+        std::string why;
+        const auto shot = morvane::gfx::Image::fromFile((out / name).string(), 1, &why);
+        ASSERT_FALSE(shot.isNull()) << name << ": " << why;
+        EXPECT_EQ(shot.pixelWidth(), 780) << name;
+        EXPECT_EQ(shot.pixelHeight(), 1688) << name;
+    }
+
+    // The first screen has pictures in its photo column, not spinners on a flat row colour.
+    const auto first = morvane::gfx::Image::fromFile((out / named.front()).string());
+    EXPECT_GT(colourfulShare(first, 10, 110, 90, 790), 0.2);
+    // The refreshed screen shows the evening versions the server offered
+    // after the pull: the cache fetched them again instead of keeping the old.
+    const morvane::gfx::Color dusk{0xf4 / 255.0, 0x84 / 255.0, 0x5f / 255.0};
+    const auto last = morvane::gfx::Image::fromFile((out / named.back()).string());
+    EXPECT_EQ(pixelsNear(first, dusk, 10, 110, 90, 790), 0);
+    EXPECT_GT(pixelsNear(last, dusk, 10, 110, 90, 790), 500);
+
+    // The run's picture cache and settings went to a scratch folder that is gone now.
+    EXPECT_TRUE(fs::is_empty(dir_ / "tmp")) << "left behind in the temporary folder";
+}
+
+TEST_F(GalleryRun, says_what_went_wrong_and_fails) {
+    // Pages cannot go where a file is.
+    std::ofstream(dir_ / "file") << "x";
+    Outcome outcome = run({"--out", (dir_ / "file").string()});
+    EXPECT_EQ(outcome.status, 1) << outcome.out;
+    EXPECT_NE(outcome.out.find("cannot make the folder"), std::string::npos) << outcome.out;
+
+    // Sample data that is not there.
+    outcome = run({"--resources", (dir_ / "nowhere").string(), "--out", (dir_ / "pages").string()});
+    EXPECT_EQ(outcome.status, 1) << outcome.out;
+    EXPECT_NE(outcome.out.find("nowhere"), std::string::npos) << outcome.out;
+    EXPECT_FALSE(fs::exists(dir_ / "pages" / "index.html"));
+
+    // No display for a window.
+    outcome = run({"--window"}, "env -u DISPLAY -u WAYLAND_DISPLAY -u SDL_VIDEODRIVER");
+    EXPECT_EQ(outcome.status, 1) << outcome.out;
+    EXPECT_NE(outcome.out.find("no window"), std::string::npos) << outcome.out;
+
+    // Arguments it does not understand.
+    for (const std::vector<std::string>& args : std::vector<std::vector<std::string>>{
+             {"--frobnicate"}, {"--out"}, {"--scale", "9"}, {"--wait", "soon"}, {"stray"}}) {
+        outcome = run(args);
+        EXPECT_EQ(outcome.status, 2) << args.front() << ": " << outcome.out;
+        EXPECT_NE(outcome.out.find("--help"), std::string::npos) << outcome.out;
+    }
+    EXPECT_EQ(run({"--help"}).status, 0);
+    EXPECT_TRUE(fs::is_empty(dir_ / "tmp"));
+}
