@@ -257,9 +257,11 @@ bool Tour::visibleRowCenter(std::size_t n, double* x, double* y, std::string* ke
         if (!cell) continue;
         const gfx::Rect rect = windowRect(*cell);
         if (!visible.contains(rect) || seen++ != n) continue;
+        const NodePtr& venue = list.myData()->at(static_cast<std::size_t>(at.row)).node();
+        if (!venue) return false;
         *x = rect.midX();
         *y = rect.midY();
-        *key = list.myData()->at(static_cast<std::size_t>(at.row)).node()->get("key").toText();
+        *key = venue->get("key").toText();
         return true;
     }
     return false;
