@@ -79,8 +79,8 @@ bool Tour::firstScreen() {
     return shoot(
         "01-venues.png", "The venues, best rated first",
         "Each row shows the venue's picture, downloaded from the gallery's own server into the picture "
-        "cache: wide pictures fill the circle, square ones fit it, tall ones sit on their corner "
-        "colour. Texts marked for translation arrived later, from another thread, in French.");
+        "cache: wide pictures fill the circle, square ones show whole and unclipped, tall ones sit on "
+        "their corner colour. Texts marked for translation arrived later, from another thread, in French.");
 }
 
 bool Tour::scroll() {
