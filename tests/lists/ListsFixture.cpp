@@ -53,7 +53,7 @@ void ListsFixture::TearDown() {
     fs::remove_all(root, ignored);
 }
 
-std::vector<std::string> ListsFixture::keys() const {
+std::vector<std::string> ListsFixture::rowKeys() const {
     std::vector<std::string> out;
     for (const Value& row : *list->myData()) {
         const NodePtr& node = row.node();

@@ -40,7 +40,7 @@ class ListsFixture : public testing::Test {
     void TearDown() override;
 
     // The "key" texts of the rows in order ("-" for rows without one or that are no Node).
-    std::vector<std::string> keys() const;
+    std::vector<std::string> rowKeys() const;
     // The cell on screen for the row (fails the test when there is none).
     std::shared_ptr<UITblCell> cellAt(int row) const;
     // The row's centre in window coordinates.
