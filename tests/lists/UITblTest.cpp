@@ -233,6 +233,7 @@ TEST_F(UITblTest, PopulateRunsBeforeTheRowIsDrawn) {
     EXPECT_EQ(header(0), "Filled r1");
     EXPECT_EQ(header(1), "No key");
     EXPECT_EQ(list->tbl()->numberOfRows(0), 3);
+    EXPECT_TRUE(cellAt(2)->priceLbl()->isHidden()) << "a row that is no Node shows blank";
 }
 
 // Body keys in order, with "key: " in front when asked; the header's last
