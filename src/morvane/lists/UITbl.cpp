@@ -383,7 +383,16 @@ std::shared_ptr<ui::TableViewCell> UITbl::cellForRow(ui::TableView& table, ui::I
     if (!cell) cell = std::make_shared<UITblCell>(ui::TableViewCell::Style::Default, kCellIdentifier);
 
     const NodePtr row = rowAt(indexPath.row);
-    if (!row || row->isReadOnly()) return cell;
+    if (!row || row->isReadOnly()) {
+        // Not filled from the row; but a reused cell must not keep showing
+        // the row it had before.
+        cell->addImage(std::nullopt, std::nullopt);
+        cell->addHeader("");
+        cell->addBody(std::nullopt);
+        cell->addPrice(std::nullopt);
+        cell->showCheckLabel(false);
+        return cell;
+    }
 
     // Populate callbacks may still change the row before it is drawn.
     if (row->valKey("key")) {

@@ -35,6 +35,8 @@
 //   (with a null row), select callbacks do not (such a row has no "key").
 // - The flag cells are created by the first cfg and reset in place by every
 //   later one, so references handed out stay valid for the list's lifetime.
+// - Rows that are not mutable Nodes are not filled from; their cells are
+//   shown blank (a reused cell drops what its last row showed).
 // - swap ignores indices outside the rows.
 // - Key values are passed as they stand in the row (usually a text; absent
 //   when the row's "key" sits only in a nested Node). The check mark compares

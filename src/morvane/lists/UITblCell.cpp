@@ -1,10 +1,13 @@
 #include <morvane/lists/UITblCell.h>
 
+#include <morvane/gfx/Canvas.h>
 #include <morvane/gfx/Font.h>
 #include <morvane/gfx/TextMetrics.h>
 #include <morvane/media/ZBImageModel.h>
 #include <morvane/sys/Queue.h>
 #include <morvane/util/GColor.h>
+
+#include <cmath>
 
 namespace morvane {
 
@@ -200,12 +203,30 @@ void UITblCell::insetIt(ui::View& view) {
 }
 
 std::optional<gfx::Color> UITblCell::getColorOfCornersForImage(const gfx::Image& image) {
-    return GColor::getColorOfCornersForImage(image);
+    auto bitmap = GColor::createARGBBitmapContextFromImage2(image);
+    if (!bitmap) return std::nullopt;
+    const int w = bitmap->width(), h = bitmap->height();
+    if (w < 2 || h < 2) return std::nullopt;
+    bitmap->canvas().drawImage(image, gfx::Rect(0, 0, w, h));
+    const auto bytes = bitmap->bytes();
+    // The kit's corner samples, in their order; the first one is the answer.
+    const gfx::Point corners[4] = {
+        {1, 1}, {double(w - 1), 0}, {0, double(h - 1)}, {double(w - 1), double(h - 1)}};
+    std::optional<gfx::Color> first;
+    for (const gfx::Point& corner : corners) {
+        auto color = getColorAtPoint(corner, bytes, w);
+        if (!first) first = color;
+    }
+    return first;
 }
 
 std::optional<gfx::Color> UITblCell::getColorAtPoint(gfx::Point point, std::span<const std::uint8_t> data,
                                                      int width) {
-    return GColor::getColorAtPoint(point, data, width);
+    if (!(point.x >= 0) || !(point.y >= 0) || width <= 0 || point.x >= width) return std::nullopt;
+    const double offset = (std::trunc(point.y) * width + std::trunc(point.x)) * 4;
+    if (!(offset + 4 <= static_cast<double>(data.size()))) return std::nullopt;
+    const auto at = static_cast<std::size_t>(offset);
+    return gfx::Color(data[at] / 255.0, data[at + 1] / 255.0, data[at + 2] / 255.0, data[at + 3] / 255.0);
 }
 
 void UITblCell::setSelected(bool selected, bool animated) {

@@ -87,11 +87,15 @@ class UITblCell : public ui::TableViewCell {
     static void insetIt(ui::View& view);
 
     // ---- Picture sampling --------------------------------------------------------
-    // The colour one pixel in from the picture's top-left corner; nothing when
-    // the picture cannot be read.
+    // Draws the picture into an ARGB bitmap, samples the kit's four corner
+    // points and returns the first, (1, 1), read through getColorAtPoint;
+    // nothing for a picture that cannot be drawn or is under 2 x 2 pixels.
+    // The rows use GColor's corner colour for their pictures instead.
     static std::optional<gfx::Color> getColorOfCornersForImage(const gfx::Image& image);
-    // The pixel at (x, y) of ARGB bytes with rows of `width` pixels; nothing
-    // outside the bytes.
+    // The four bytes at ((y * width) + x) * 4, read as red, green, blue and
+    // alpha (each / 255) in the order they lie; nothing outside the bytes or
+    // the row. On the ARGB bitmap above that order yields alpha as red, red
+    // as green and so on, which is how this cell has always read it.
     static std::optional<gfx::Color> getColorAtPoint(gfx::Point point, std::span<const std::uint8_t> data,
                                                      int width);
 
