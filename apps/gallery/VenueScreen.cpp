@@ -9,7 +9,9 @@
 #include <morvane/sys/Queue.h>
 #include <morvane/util/Colors.h>
 
+#include <string>
 #include <utility>
+#include <vector>
 
 namespace gallery {
 
@@ -21,6 +23,15 @@ const gfx::Color kBarColor = Colors::hex("#14213D");
 const gfx::Color kListColor = Colors::hex("#1D3557");
 const gfx::Color kCallColor = Colors::hex("#2A9D8F");
 const gfx::Color kSaveColor = Colors::hex("#E76F51");
+using Keys = std::vector<std::string>;
+const Keys kPictureKeys{"picture"};
+const Keys kHeaderKeys{"name"};
+// "where" and "saved" are made by the populate callback just before a row is drawn.
+const Keys kBodyKeys{"where", "note", "saved"};
+const Keys kPriceKeys{"price"};
+// A rating for every venue; the name would take over if one lacked it.
+const Keys kSortKeys{"rating", "name"};
+
 constexpr double kBarHeight = 104;
 constexpr double kStatusHeight = 44;
 
@@ -73,27 +84,24 @@ std::shared_ptr<VenueScreen> VenueScreen::make(const gfx::Rect& frame, std::stri
 void VenueScreen::configureList() {
     // The callbacks run once each, in this order, every time cfg is called;
     // each receives what it may change, already reset to the list's default.
-    list_->cfg([](auto& image) { image = {"picture"}; }, // picture: the venue's photo
-               [](auto& header) { header = {"name"}; },  // header line
-               [](auto& body) {
-                   body = {"where", "note", "saved"};
-               },                                      // body lines, in order
-               [](auto& price) { price = {"price"}; }, // price at the right
-               [](bool& sort) { sort = true; },        // sort on every refresh
-               [](auto& sortBy) {
-                   sortBy = {"rating", "name"};
-               },                                                 // best rated first
-               [](bool& ascending) { ascending = false; },        // ... descending
+    // First the keys of the row's picture, header line, body lines and price.
+    list_->cfg([](Keys& image) { image = kPictureKeys; },         //
+               [](Keys& header) { header = kHeaderKeys; },        //
+               [](Keys& body) { body = kBodyKeys; },              //
+               [](Keys& price) { price = kPriceKeys; },           //
+               [](bool& sort) { sort = true; },                   // sorted on every refresh,
+               [](Keys& sortBy) { sortBy = kSortKeys; },          // best rated first
+               [](bool& ascending) { ascending = false; },        //
                [](float& lines) { lines = 5; },                   // rows five text lines high
-               [](float&) {},                                     // columns: grids only
-               [](bool& checkBox) { checkBox = true; },           // check mark on the selection
-               [](std::string& selection) { selection.clear(); }, // nothing selected yet
-               [](bool& incKey) { incKey = false; });             // body lines without their keys
+               [](float&) {},                                     // columns: for grids only
+               [](bool& checkBox) { checkBox = true; },           // a check mark on the selection,
+               [](std::string& selection) { selection.clear(); }, // none yet
+               [](bool& incKey) { incKey = false; });             // body lines without "key: "
 }
 
 void VenueScreen::watchList() {
-    // The list outlives no screen, but its callbacks may run from posted work
-    // after the screen is gone: they hold the screen weakly.
+    // The screen owns the list, so the list's callbacks must not keep the
+    // screen alive: they hold it weakly.
     std::weak_ptr<VenueScreen> weak = std::static_pointer_cast<VenueScreen>(shared_from_this());
     list_->watchTbl(
         "venues",

@@ -61,7 +61,8 @@ class VenueScreen : public morvane::ui::View {
     void configureList();
     void watchList();
     void say(const std::string& text);
-    // Swipe actions report here; the select callbacks that follow them show it.
+    // The list's callbacks. A swipe action leaves its message for the select
+    // callback that the list calls right after it.
     void onSelect(const morvane::Value& key, const morvane::NodePtr& row);
     void onPopulate(const morvane::Value& key, const morvane::NodePtr& row);
     void onPull();
