@@ -99,14 +99,17 @@ TEST_F(UITblThreadsTest, DownloadedPicturesArePlacedByTheirShape) {
         EXPECT_EQ(server.requestCount(path), 1) << c.width;
     }
 
-    // A picture overtaken by a later request (the cell moved on to a row
-    // without one) does not appear.
+    // A slow picture lands in the cell even after the cell moved on to a row
+    // without one: the next fill is what clears it.
     server.delay("/slow.png", 0.2, {200, pngBytes(50, 50, blue), {{"Content-Type", "image/png"}}});
     cell->addImage(server.address("/slow.png"), std::nullopt);
     cell->addImage(std::nullopt, std::nullopt);
+    EXPECT_TRUE(cell->photo()->isHidden());
     sys::Queue::waitIdle();
     host->runUntilIdle();
-    EXPECT_TRUE(cell->photo()->isHidden());
+    EXPECT_FALSE(cell->photo()->isHidden());
+    EXPECT_TRUE(cell->indicator()->isHidden());
+    EXPECT_EQ(cell->photo()->image().size(), gfx::Size(50, 50));
     EXPECT_EQ(server.requestCount("/slow.png"), 1);
 
     // A cell released before its picture arrives is left alone.
