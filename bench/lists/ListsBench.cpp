@@ -76,9 +76,8 @@ void configure(UITbl& list) {
              [](bool&) {}, [](std::string&) {}, [](bool&) {});
 }
 
-// Frames of a scroll from `from` downwards, each drawn; the median frame time.
-double scrollFrames(ui::HeadlessHost& host, UITbl& list, double from, int frames) {
-    std::vector<double> times;
+// Frames of a scroll from `from` downwards, each laid out and drawn; their times are appended.
+void scrollFrames(ui::HeadlessHost& host, UITbl& list, double from, int frames, std::vector<double>& times) {
     auto& table = *list.tbl();
     for (int f = 0; f < frames; ++f) {
         const auto start = Clock::now();
@@ -87,7 +86,6 @@ double scrollFrames(ui::HeadlessHost& host, UITbl& list, double from, int frames
         (void)host.snapshot(1);
         times.push_back(msSince(start));
     }
-    return median(times);
 }
 
 double refreshTime(std::size_t count) {
@@ -135,12 +133,19 @@ int main() {
     const double setupMs = msSince(start);
     std::printf("100000 rows: configure, add, refresh (sort + reload) and first layout: %.1f ms\n", setupMs);
 
-    // Warm the picture and text caches, then measure both ends of the list.
-    scrollFrames(host, *list, 0, 20);
-    const double startFrame = scrollFrames(host, *list, 0, 60);
-    const double maxOffset = list->tbl()->maximumContentOffset().y;
-    scrollFrames(host, *list, maxOffset - 60 * 37.0 - 3000, 20);
-    const double endFrame = scrollFrames(host, *list, maxOffset - 60 * 37.0, 60);
+    // Warm the picture and text caches, then measure both ends of the list in
+    // alternating rounds, so that both see the same load on the machine.
+    constexpr int kFrames = 30;
+    const double endFrom = list->tbl()->maximumContentOffset().y - kFrames * 37.0;
+    std::vector<double> warm, atStart, atEnd;
+    scrollFrames(host, *list, 0, 20, warm);
+    scrollFrames(host, *list, endFrom, 20, warm);
+    for (int round = 0; round < 8; ++round) {
+        scrollFrames(host, *list, 0, kFrames, atStart);
+        scrollFrames(host, *list, endFrom, kFrames, atEnd);
+    }
+    const double startFrame = median(atStart);
+    const double endFrame = median(atEnd);
     std::printf("scrolling, median frame (layout + draw at scale 1): start %.3f ms, end %.3f ms\n",
                 startFrame, endFrame);
 

@@ -62,12 +62,10 @@ TEST_F(UITblCellTest, FillingOperationsBuildTheRowTexts) {
     EXPECT_EQ(cell->headLbl()->text(), "z");
     EXPECT_EQ(cell->addHeader("World/THA/Bangkok"), "Bangkok");
     EXPECT_EQ(cell->addHeader("A-B/C"), "C");
-    EXPECT_EQ(cell->addHeader("A/B-C"), "C");
     EXPECT_EQ(cell->addHeader("Spot<en>"), "Spot<en>");
     EXPECT_EQ(cell->headLbl()->text(), "Spot");
     EXPECT_EQ(cell->addHeader("<en>Old<en> Town"), "<en>Old<en> Town");
     EXPECT_EQ(cell->headLbl()->text(), "Old Town");
-    EXPECT_EQ(cell->addHeader("trailing-"), "");
 
     EXPECT_EQ(cell->priceLbl()->text(), "1.0");
     cell->addPrice("12 EUR");
@@ -81,7 +79,6 @@ TEST_F(UITblCellTest, FillingOperationsBuildTheRowTexts) {
     EXPECT_EQ(cell->checkLabel()->text(), "\u2713");
     cell->showCheckLabel(false);
     EXPECT_TRUE(cell->checkLabel()->isHidden());
-    EXPECT_EQ(cell->selectionStyle(), ui::TableViewCell::SelectionStyle::None);
 }
 
 // Everything is placed from the row height H, the width W and the text unit t.

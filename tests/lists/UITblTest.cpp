@@ -5,6 +5,7 @@
 #include <morvane/sys/Log.h>
 #include <morvane/ui/Label.h>
 #include <morvane/ui/TextView.h>
+#include <morvane/ui/Window.h>
 #include <morvane/util/Colors.h>
 
 using namespace morvane;
@@ -209,6 +210,29 @@ TEST_F(UITblTest, SelectCallbackMayReleaseTheList) {
     show();
     host->tap(rowCentre(0));
     EXPECT_EQ(calls, 2);
+    EXPECT_FALSE(list);
+}
+
+// Refresh and swipe callbacks may release the list while the table is
+// still handling the finger.
+TEST_F(UITblTest, RefreshAndSwipeCallbacksMayReleaseTheList) {
+    auto release = [this] { list->removeFromSuperview(), list.reset(); };
+    list->watchTbl("owner", {}, {}, [&](const std::string&, const NodePtr&) { release(); });
+    addRows({"a"});
+    show();
+    host->drag({200, 100}, {200, 600}, 0.3, 12);
+    host->advance(2);
+    EXPECT_FALSE(list);
+
+    list = std::make_shared<UITbl>(gfx::Rect(0, 0, 390, 844));
+    host->root()->addSubview(list);
+    list->watchSwipe("Go", gfx::Color::redColor(), [&](long, const NodePtr&) { release(); });
+    addRows({"a"});
+    show();
+    const gfx::Point row = rowCentre(0);
+    host->drag({row.x + 150, row.y}, {row.x - 150, row.y}, 0.2, 8);
+    tapButton(0);
+    host->advance(2);
     EXPECT_FALSE(list);
 }
 

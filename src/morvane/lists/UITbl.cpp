@@ -29,6 +29,23 @@ std::string describe(const Value& value) {
     return value.toText();
 }
 
+// Holds the list for the length of a dispatch to the owner's callbacks. A
+// callback may drop the last reference to the list, but the table and its
+// touch handling still run after the callbacks return; so the last reference
+// is handed to the main queue and dropped once the current event is over.
+class DispatchGuard {
+  public:
+    explicit DispatchGuard(std::shared_ptr<ui::View> list) : list_(std::move(list)) {}
+    ~DispatchGuard() {
+        if (list_ && list_.use_count() == 1) sys::Queue::main().async([list = std::move(list_)] {});
+    }
+    DispatchGuard(const DispatchGuard&) = delete;
+    DispatchGuard& operator=(const DispatchGuard&) = delete;
+
+  private:
+    std::shared_ptr<ui::View> list_;
+};
+
 } // namespace
 
 UITbl::UITbl() : UITbl(gfx::Rect{}) {}
@@ -71,7 +88,7 @@ void UITbl::cfg(const KeysCB& cfg, const KeysCB& header, const KeysCB& body, con
                 const FlagCB& inckey) {
     MORVANE_ASSERT_MAIN_THREAD();
     (void)numOfCol; // the grid's; a list has one column
-    auto keepAlive = weak_from_this().lock();
+    DispatchGuard guard(weak_from_this().lock());
 
     listImage_ = std::vector<std::string>{"image", "photo"};
     listHeader_ = std::vector<std::string>{"key", "name"};
@@ -209,7 +226,7 @@ void UITbl::swap(long i, long j) {
 void UITbl::grab(long, const DataCB& callback) {
     MORVANE_ASSERT_MAIN_THREAD();
     if (!callback) return;
-    auto keepAlive = weak_from_this().lock();
+    DispatchGuard guard(weak_from_this().lock());
     DataCB call = callback;
     ListPtr rows = myData_;
     call(rows);
@@ -249,7 +266,7 @@ void UITbl::handleRefresh(ui::RefreshControl* control) {
 }
 
 void UITbl::callRefresh() {
-    auto keepAlive = weak_from_this().lock();
+    DispatchGuard guard(weak_from_this().lock());
     for (const RefreshCB& callback : cbRefresh_.snapshot())
         if (callback) callback("", Node::make());
 }
@@ -281,7 +298,7 @@ double UITbl::textHeight() const {
 void UITbl::updateUI(const NodePtr& row, const std::shared_ptr<UITblCell>& cell) {
     MORVANE_ASSERT_MAIN_THREAD();
     if (!row || !cell) return;
-    auto keepAlive = weak_from_this().lock();
+    DispatchGuard guard(weak_from_this().lock());
     const TranslateCB translate = translateCB_;
     std::weak_ptr<UITblCell> weakCell = cell;
 
@@ -378,7 +395,7 @@ int UITbl::numberOfRows(ui::TableView&, int) {
 }
 
 std::shared_ptr<ui::TableViewCell> UITbl::cellForRow(ui::TableView& table, ui::IndexPath indexPath) {
-    auto keepAlive = weak_from_this().lock();
+    DispatchGuard guard(weak_from_this().lock());
     auto cell = std::dynamic_pointer_cast<UITblCell>(table.dequeueReusableCell(kCellIdentifier, indexPath));
     if (!cell) cell = std::make_shared<UITblCell>(ui::TableViewCell::Style::Default, kCellIdentifier);
 
@@ -430,7 +447,7 @@ std::shared_ptr<ui::View> UITbl::viewForHeader(ui::TableView&, int) {
 }
 
 void UITbl::didSelectRow(ui::TableView&, ui::IndexPath indexPath) {
-    auto keepAlive = weak_from_this().lock();
+    DispatchGuard guard(weak_from_this().lock());
     const NodePtr row = rowAt(indexPath.row);
     if (!row || !row->valKey("key")) return;
     const Value key = row->get("key");
@@ -442,7 +459,7 @@ void UITbl::didSelectRow(ui::TableView&, ui::IndexPath indexPath) {
 }
 
 void UITbl::callSelect(const Value& key, const NodePtr& row) {
-    auto keepAlive = weak_from_this().lock();
+    DispatchGuard guard(weak_from_this().lock());
     for (const SelectCB& select : cbItemSelect_.snapshot())
         if (select) select(key, row);
 }
@@ -481,7 +498,7 @@ std::shared_ptr<ui::SwipeActionsConfiguration> UITbl::swipeActions(const ListPtr
 }
 
 void UITbl::fireSwipe(const SwipeCB& swipe, long index) {
-    auto keepAlive = weak_from_this().lock();
+    DispatchGuard guard(weak_from_this().lock());
     const NodePtr row = rowAt(index);
     if (swipe) {
         SwipeCB call = swipe;

@@ -26,7 +26,9 @@
 // Callbacks reach the owner through registries keyed by a name the owner
 // chooses (insertion-ordered; registering a name again replaces it in place).
 // Every callback may change the list, its registries or its rows, or release
-// the list: dispatch works on copies and keeps the list alive until it ends.
+// the list: dispatch works on copies of the callbacks, and a list released
+// by a callback is only destroyed from the main queue, after the touch or
+// layout that called back is over.
 //
 // Decisions where the kit's behaviour leaves room:
 // - An empty std::function passed anywhere (configuration, registration,

@@ -90,7 +90,6 @@ UITblCell::~UITblCell() = default;
 
 void UITblCell::addImage(std::optional<std::string_view> name, std::optional<std::string_view> imgd) {
     MORVANE_ASSERT_MAIN_THREAD();
-    const std::uint64_t request = ++pictureRequest_;
     if (!name) {
         photo_->setHidden(true);
         return;
@@ -100,12 +99,11 @@ void UITblCell::addImage(std::optional<std::string_view> name, std::optional<std
     auto loader = std::make_shared<ZBImageModel>();
     std::weak_ptr<UITblCell> weakSelf = std::static_pointer_cast<UITblCell>(weak_from_this().lock());
     // The loader rides along in the callback so that it lives as long as the
-    // request; the cell is held weakly, and a picture that was overtaken by a
-    // later request (the cell now shows another row) is dropped.
-    loader->taskWithName(name, imgd, [weakSelf, loader, request](const gfx::Image& image, bool) {
-        sys::Queue::main().async([weakSelf, loader, image, request] {
+    // request; the cell is held weakly, so a released cell is left alone.
+    loader->taskWithName(name, imgd, [weakSelf, loader](const gfx::Image& image, bool) {
+        sys::Queue::main().async([weakSelf, loader, image] {
             auto self = weakSelf.lock();
-            if (!self || self->pictureRequest_ != request) return;
+            if (!self) return;
             self->showLoaded(image);
             loader->cleanup();
         });

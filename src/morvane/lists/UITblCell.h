@@ -13,9 +13,10 @@
 //
 // Pictures come through the photo loader (ZBImageModel) with a spinner in the
 // meantime. The loader may answer on any thread; the cell moves the work to
-// the main queue and leaves a released cell alone. Only the answer to the
-// latest addImage is shown: a cell reused for another row does not pick up
-// the picture of the row it showed before. Main thread only.
+// the main queue and leaves a released cell alone. Every answer is shown when
+// it arrives, as the kit's lists have always done: a cell reused for another
+// row while a slow download ran shows that late picture until its next fill
+// (each fill starts by clearing the picture). Main thread only.
 
 #include <morvane/gfx/Color.h>
 #include <morvane/gfx/Geometry.h>
@@ -114,8 +115,6 @@ class UITblCell : public ui::TableViewCell {
     std::shared_ptr<ui::TextView> bodyLbl_;
     std::shared_ptr<ui::Label> priceLbl_;
     std::shared_ptr<ui::Label> checkLabel_;
-    // Counts addImage calls; a picture is shown only if no later call came.
-    std::uint64_t pictureRequest_ = 0;
 };
 
 } // namespace morvane
