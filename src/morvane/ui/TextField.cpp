@@ -174,12 +174,8 @@ bool TextField::keyPressed(Key key) {
         return true;
     }
     case Key::Backspace:
-        if (auto range = detail::deletionRange(text_, selection_, detail::Direction::Backward))
-            replace(*range, "");
-        return true;
     case Key::Delete:
-        if (auto range = detail::deletionRange(text_, selection_, detail::Direction::Forward))
-            replace(*range, "");
+        if (auto range = detail::deletionRange(text_, selection_, key)) replace(*range, "");
         return true;
     case Key::Left:
         selection_ = {selection_.length ? selection_.location

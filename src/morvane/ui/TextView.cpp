@@ -166,12 +166,8 @@ bool TextView::keyPressed(Key key) {
         replace(selection_, "\n");
         return true;
     case Key::Backspace:
-        if (auto range = detail::deletionRange(text_, selection_, detail::Direction::Backward))
-            replace(*range, "");
-        return true;
     case Key::Delete:
-        if (auto range = detail::deletionRange(text_, selection_, detail::Direction::Forward))
-            replace(*range, "");
+        if (auto range = detail::deletionRange(text_, selection_, key)) replace(*range, "");
         return true;
     case Key::Left:
         setSelectedRange({detail::previousBoundary(text_, selection_.location), 0});

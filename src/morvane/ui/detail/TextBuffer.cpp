@@ -91,9 +91,10 @@ bool fits(std::string_view text, TextRange range) {
     return range.end() >= range.location && range.end() <= utf16Length(text);
 }
 
-std::optional<TextRange> deletionRange(std::string_view text, TextRange selection, Direction direction) {
+std::optional<TextRange> deletionRange(std::string_view text, TextRange selection, Key key) {
+    if (key != Key::Backspace && key != Key::Delete) return std::nullopt;
     if (selection.length > 0) return selection;
-    if (direction == Direction::Backward) {
+    if (key == Key::Backspace) {
         if (selection.location == 0) return std::nullopt;
         std::size_t from = previousBoundary(text, selection.location);
         return TextRange{from, selection.location - from};

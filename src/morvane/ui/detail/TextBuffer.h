@@ -3,6 +3,7 @@
 // UTF-16 units: conversions between the two, and the code point boundaries
 // that backspace and the arrow keys step over.
 
+#include <morvane/ui/Key.h>
 #include <morvane/ui/TextRange.h>
 
 #include <optional>
@@ -26,10 +27,9 @@ std::string bullets(std::string_view text);
 // ---- Editing, shared by the one-line field and the text view -----------------------
 // A selection that lies inside the text.
 bool fits(std::string_view text, TextRange range);
-// What backspace (Backward) or forward delete (Forward) removes: the
-// selection, or else the code point beside the caret; null at the text's edge.
-enum class Direction { Backward, Forward };
-std::optional<TextRange> deletionRange(std::string_view text, TextRange selection, Direction direction);
+// What Backspace (backwards) or Delete (forwards) removes: the selection, or
+// else the code point beside the caret; null at the text's edge or for other keys.
+std::optional<TextRange> deletionRange(std::string_view text, TextRange selection, Key key);
 // Carries out an edit that was agreed to: the range is replaced and the caret
 // goes after the new text. False (nothing changed) when the range no longer
 // fits, as when the delegate changed the text while it was asked.
