@@ -14,6 +14,7 @@
 #include <morvane/ui/Button.h>
 #include <morvane/ui/Label.h>
 #include <morvane/ui/detail/CellRecycler.h>
+#include <morvane/ui/detail/VisibleRange.h>
 
 #include <algorithm>
 #include <cmath>
@@ -409,15 +410,7 @@ void TableView::layoutCells() {
     double top = contentOffset().y;
     double bottom = top + bounds().height;
 
-    // The visible run of rows: the first row ending below the top edge to
-    // the last row starting above the bottom edge.
-    std::size_t first =
-        std::size_t(std::upper_bound(rowTops_.begin(), rowTops_.end(), top) - rowTops_.begin());
-    if (first > 0) --first;
-    while (first < rowTops_.size() && rowTops_[first] + rowHeights_[first] <= top)
-        ++first;
-    std::size_t end =
-        std::size_t(std::lower_bound(rowTops_.begin(), rowTops_.end(), bottom) - rowTops_.begin());
+    auto [first, end] = detail::visibleRows(rowTops_, rowHeights_, top, bottom);
     if (!dataSource_) end = first;
 
     // Which sections hold the run.
