@@ -52,17 +52,16 @@ template <class Cell> class CellRecycler {
     // Takes in a cell the data source handed over. A cell of another class
     // than its identifier's registration could not be handed out again for
     // that identifier: it is marked so it is dropped, not queued, when it
-    // leaves the screen, and false is returned. The cell is taken out of any
-    // queue (a dequeued cell might still sit in one).
+    // leaves the screen, and false is returned.
     bool adopt(const std::shared_ptr<Cell>& cell) {
-        bool ofClass = true;
         auto reg = registrations_.find(cell->reuseIdentifier());
-        if (reg != registrations_.end() && reg->second.isOfClass && !reg->second.isOfClass(*cell)) {
-            cell->reuseIdentifier_ = kUnusable;
-            ofClass = false;
-        }
-        return ofClass;
+        if (reg == registrations_.end() || !reg->second.isOfClass || reg->second.isOfClass(*cell))
+            return true;
+        cell->reuseIdentifier_ = kUnusable;
+        return false;
     }
+    // Takes the cell out of any queue (a data source may hand back a cell it
+    // dequeued earlier and that the queue still holds).
     void unqueue(const std::shared_ptr<Cell>& cell) {
         for (auto& [id, queue] : queues_)
             std::erase(queue, cell);
