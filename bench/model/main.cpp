@@ -160,7 +160,12 @@ njson changeObject(const njson& node) {
 
 njson changeArray(const njson& array) {
     njson copy = njson::array();
-    copy.get_ref<njson::array_t&>().reserve(array.size());
+    // Like the NodeTree's copy, reserve only what is kept (a list of numbers
+    // becomes an empty list without a buffer).
+    const auto kept = std::count_if(array.begin(), array.end(), [](const njson& element) {
+        return element.is_object() || element.is_array() || element.is_string();
+    });
+    if (kept > 0) copy.get_ref<njson::array_t&>().reserve(static_cast<std::size_t>(kept));
     for (const njson& element : array) {
         if (element.is_object())
             copy.push_back(changeObject(element));
@@ -230,17 +235,18 @@ void gatherArray(const njson& array, const std::string& key, const std::string& 
 void purgeArray(njson& array, const std::string& word);
 
 void purgeObject(njson& node, const std::string& word) {
+    // Like the NodeTree's walk, only the keys of objects and texts are searched.
+    auto hit = [&](const auto& it) { return it.key().find(word) != std::string::npos; };
     for (auto it = node.begin(); it != node.end();) {
-        const bool hit = it.key().find(word) != std::string::npos;
         if (it->is_object()) {
-            if (hit) {
+            if (hit(it)) {
                 it = node.erase(it);
                 continue;
             }
             purgeObject(*it, word);
         } else if (it->is_array()) {
             purgeArray(*it, word);
-        } else if (it->is_string() && hit) {
+        } else if (it->is_string() && hit(it)) {
             it = node.erase(it);
             continue;
         }

@@ -61,3 +61,22 @@ TEST(NodeConvert, mutable_change_copies_texts_nodes_and_lists_into_mutable_nodes
     EXPECT_TRUE(l->at(0).node()->set("new", Value("ok")));
     EXPECT_EQ(l->at(1).list()->at(0).textOr(), "s");
 }
+
+// The copy of a large Node drops its numbers, so its entries sit at other
+// positions than the source's: every kept key must still be found, and new
+// keys must go last.
+TEST(NodeConvert, mutable_change_of_a_large_node_finds_every_kept_key) {
+    auto source = Node::make();
+    for (int i = 0; i < 60; ++i)
+        source->set("k" + std::to_string(i), i % 3 == 0 ? Value(i) : Value(std::to_string(i)));
+    auto copy = source->mutableChange();
+    EXPECT_EQ(copy->size(), 40u);
+    for (int i = 0; i < 60; ++i)
+        EXPECT_EQ(copy->has("k" + std::to_string(i)), i % 3 != 0) << i;
+    EXPECT_EQ(copy->get("k59").textOr(), "59");
+    EXPECT_TRUE(copy->set("k0", Value("new")));
+    EXPECT_EQ(keysOf(copy).back(), "k0");
+    EXPECT_TRUE(copy->remove("k1"));
+    EXPECT_EQ(copy->get("k2").textOr(), "2");
+    EXPECT_EQ(copy->get("k58").textOr(), "58");
+}

@@ -105,3 +105,25 @@ TEST(PurgeCleanClone, deep_copies_share_nothing_with_the_source) {
     EXPECT_NE(copies->at(0).node(), record);
     EXPECT_FALSE(frozen(node({{"a", node()}}))->deepCopyDictionary()->get("a").node()->isReadOnly());
 }
+
+// A large Node keeps a key index beside its entries; its copy must find every
+// key, and changing the copy must keep the copy's index right and leave the
+// source's alone.
+TEST(PurgeCleanClone, deep_copy_of_a_large_node_finds_and_changes_its_keys) {
+    auto source = Node::make();
+    for (int i = 0; i < 40; ++i)
+        source->set("k" + std::to_string(i), Value(i));
+    auto copy = source->deepCopyDictionary();
+    for (int i = 0; i < 40; ++i)
+        EXPECT_EQ(copy->get("k" + std::to_string(i)).number(), i);
+    EXPECT_TRUE(copy->remove("k3"));
+    EXPECT_TRUE(copy->set("k39", Value("changed")));
+    EXPECT_TRUE(copy->set("extra", Value(1)));
+    EXPECT_FALSE(copy->has("k3"));
+    EXPECT_EQ(copy->get("k39").textOr(), "changed");
+    EXPECT_EQ(copy->get("k38").number(), 38);
+    EXPECT_EQ(copy->size(), 40u);
+    EXPECT_TRUE(source->has("k3"));
+    EXPECT_FALSE(source->has("extra"));
+    EXPECT_EQ(source->get("k39").number(), 39);
+}

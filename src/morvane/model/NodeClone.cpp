@@ -5,18 +5,27 @@
 #include <morvane/model/List.h>
 #include <morvane/model/Node.h>
 
+#include <algorithm>
+
 namespace morvane {
 
 NodePtr Node::deepCopyDictionary() const {
     NodePtr copy = Node::make();
-    copy->reserve(entries_.size());
+    copy->entries_.reserve(entries_.size());
     for (const auto& [key, value] : entries_) {
         if (const NodePtr& nested = value.node())
-            copy->appendUnchecked(key, Value(nested->deepCopyDictionary()));
+            copy->entries_.emplace_back(key, Value(nested->deepCopyDictionary()));
         else if (const ListPtr& list = value.list())
-            copy->appendUnchecked(key, Value(deepCopyArray(list)));
+            copy->entries_.emplace_back(key, Value(deepCopyArray(list)));
         else
-            copy->appendUnchecked(key, value);
+            copy->entries_.emplace_back(key, value);
+    }
+    // Every entry is kept at its position, so the key index is the same one:
+    // copying it beats hashing every key of a large Node again.
+    if (indexSize_ != 0) {
+        copy->index_ = std::make_unique_for_overwrite<std::uint32_t[]>(indexSize_);
+        std::copy_n(index_.get(), indexSize_, copy->index_.get());
+        copy->indexSize_ = indexSize_;
     }
     return copy;
 }

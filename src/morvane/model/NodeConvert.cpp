@@ -8,9 +8,35 @@
 
 namespace morvane {
 
+namespace {
+
+// The conversion copies keep only texts, Nodes and lists. A geometry file is
+// mostly lists of numbers, whose copies stay empty: reserving the source's
+// size would allocate a buffer for each of them that is never used.
+bool kept(const Value& value) {
+    return value.isText() || value.isNode() || value.isList();
+}
+
+std::size_t keptCount(const List& list) {
+    std::size_t count = 0;
+    for (const Value& element : list)
+        count += kept(element);
+    return count;
+}
+
+// The same for a Node: a record of numbers and flags becomes an empty Node.
+std::size_t keptCount(const Node& node) {
+    std::size_t count = 0;
+    for (const auto& entry : node)
+        count += kept(entry.second);
+    return count;
+}
+
+} // namespace
+
 NodePtr Node::mutableKey(std::string_view path) const {
     NodePtr result = Node::make();
-    result->reserve(entries_.size());
+    if (const std::size_t count = keptCount(*this)) result->reserve(count);
     for (const auto& [key, value] : entries_) {
         if (const NodePtr& child = value.node()) {
             std::string childPath(path);
@@ -34,7 +60,7 @@ NodePtr Node::mutableKey(std::string_view path) const {
 ListPtr Node::mutableArrayChange(const ListPtr& list, std::string_view path) const {
     ListPtr result = List::make();
     if (!list) return result;
-    result->items().reserve(list->size());
+    if (const std::size_t count = keptCount(*list)) result->items().reserve(count);
     long index = 0;
     for (const Value& element : list->items()) {
         if (const NodePtr& node = element.node()) {
@@ -56,22 +82,25 @@ ListPtr Node::mutableArrayChange(const ListPtr& list, std::string_view path) con
 
 NodePtr Node::mutableChange() const {
     NodePtr result = Node::make();
-    result->reserve(entries_.size());
+    if (const std::size_t count = keptCount(*this)) result->reserve(count);
     for (const auto& [key, value] : entries_) {
         if (value.isNode())
-            result->appendUnchecked(key, Value(value.node()->mutableChange()));
+            result->entries_.emplace_back(key, Value(value.node()->mutableChange()));
         else if (value.isList())
-            result->appendUnchecked(key, Value(mutableArrayChange(value.list())));
+            result->entries_.emplace_back(key, Value(mutableArrayChange(value.list())));
         else if (value.isText())
-            result->appendUnchecked(key, value);
+            result->entries_.emplace_back(key, value);
     }
+    // The keys are the source's, so they are distinct; the index (of a large
+    // copy) is built once at its final size rather than grown key by key.
+    result->rebuildIndex();
     return result;
 }
 
 ListPtr Node::mutableArrayChange(const ListPtr& list) const {
     ListPtr result = List::make();
     if (!list) return result;
-    result->items().reserve(list->size());
+    if (const std::size_t count = keptCount(*list)) result->items().reserve(count);
     for (const Value& element : list->items()) {
         if (element.isNode())
             result->push(Value(element.node()->mutableChange()));

@@ -21,16 +21,17 @@ void Node::mutablePurge(std::string_view word) {
     std::size_t i = 0;
     while (i < entries_.size()) {
         const auto& [key, value] = entries_[i];
-        const bool hit = detail::containsText(key, word);
+        // Only Node and text entries can go, so only their keys are searched:
+        // most entries of a feed or catalogue are numbers, flags and nulls.
         if (const NodePtr& nested = value.node()) {
-            if (hit) {
+            if (detail::containsText(key, word)) {
                 if (remove(key)) continue;
             } else {
                 nested->mutablePurge(word);
             }
         } else if (const ListPtr& list = value.list()) {
             mutablePurgeArray(list, word);
-        } else if (hit && value.isText() && remove(key)) {
+        } else if (value.isText() && detail::containsText(key, word) && remove(key)) {
             continue;
         }
         ++i;
