@@ -1,0 +1,61 @@
+#pragma once
+// Shared by the list tests: a headless phone with a UITbl filling it, fresh
+// documents and resource folders (the picture cache writes there), and small
+// helpers to reach rows and cells on screen.
+
+#include <morvane/gfx/Color.h>
+#include <morvane/gfx/Geometry.h>
+#include <morvane/lists/UITbl.h>
+#include <morvane/lists/UITblCell.h>
+#include <morvane/model/List.h>
+#include <morvane/model/Node.h>
+#include <morvane/ui/HeadlessHost.h>
+
+#include <gtest/gtest.h>
+
+#include <filesystem>
+#include <memory>
+#include <string>
+#include <vector>
+
+namespace morvane::test {
+
+// The configuration callbacks a test cares about; the others stay empty
+// (which the list skips).
+struct ListConfig {
+    UITbl::KeysCB image, header, body, price;
+    UITbl::FlagCB sort;
+    UITbl::KeysCB sortBy;
+    UITbl::FlagCB ascending;
+    UITbl::SizeCB cellHeight, numOfCol;
+    UITbl::FlagCB checkBox;
+    UITbl::SelectionCB select;
+    UITbl::FlagCB incKey;
+};
+void configure(UITbl& list, const ListConfig& config);
+
+class ListsFixture : public testing::Test {
+  protected:
+    void SetUp() override;
+    void TearDown() override;
+
+    // The "key" texts of the rows in order ("-" for rows without one or that are no Node).
+    std::vector<std::string> rowKeys() const;
+    // The cell on screen for the row (fails the test when there is none).
+    std::shared_ptr<UITblCell> cellAt(int row) const;
+    // The row's centre in window coordinates.
+    gfx::Point rowCentre(int row) const;
+    // A PNG file of one colour in the resource folder, found by `name`.
+    void resourcePicture(const std::string& name, int width, int height, const gfx::Color& color) const;
+
+    std::filesystem::path root;
+    std::filesystem::path documents;
+    std::filesystem::path resources;
+    std::unique_ptr<ui::HeadlessHost> host;
+    std::shared_ptr<UITbl> list;
+};
+
+// A one-colour picture, encoded as PNG.
+std::string pngBytes(int width, int height, const gfx::Color& color);
+
+} // namespace morvane::test

@@ -1,0 +1,143 @@
+// The row cell on its own: its five filling operations, its layout from the
+// row height, and pictures from the resource folder placed by their shape.
+#include "ListsFixture.h"
+
+#include <morvane/gfx/Font.h>
+#include <morvane/gfx/TextMetrics.h>
+#include <morvane/ui/Window.h>
+
+#include <cmath>
+
+using namespace morvane;
+using morvane::test::ListsFixture;
+
+namespace {
+
+class UITblCellTest : public ListsFixture {
+  protected:
+    void SetUp() override {
+        ListsFixture::SetUp();
+        cell = std::make_shared<UITblCell>(ui::TableViewCell::Style::Default, "TViewCell");
+        cell->setFrame({0, 0, 390, 100});
+        host->root()->addSubview(cell);
+        host->runUntilIdle();
+    }
+    void TearDown() override {
+        cell.reset();
+        ListsFixture::TearDown();
+    }
+    bool loading() const {
+        return !cell->indicator()->isHidden() && cell->indicator()->isAnimating() &&
+               cell->photo()->isHidden();
+    }
+    std::shared_ptr<UITblCell> cell;
+};
+
+// Frames go through centre and bounds, so they may differ in the last bit.
+::testing::AssertionResult sameRect(const gfx::Rect& a, const gfx::Rect& b) {
+    const double e = 1e-9;
+    if (std::abs(a.x - b.x) < e && std::abs(a.y - b.y) < e && std::abs(a.width - b.width) < e &&
+        std::abs(a.height - b.height) < e)
+        return ::testing::AssertionSuccess();
+    return ::testing::AssertionFailure()
+           << "(" << a.x << ", " << a.y << ", " << a.width << ", " << a.height << ") is not (" << b.x << ", "
+           << b.y << ", " << b.width << ", " << b.height << ")";
+}
+
+} // namespace
+
+// Bodies grow line by line and start over with nothing; headers keep the last
+// piece after "-" then "/" and hide their markers; nothing hides the price.
+TEST_F(UITblCellTest, FillingOperationsBuildTheRowTexts) {
+    cell->addBody("a");
+    cell->addBody("b");
+    EXPECT_EQ(cell->bodyLbl()->text(), "a\nb");
+    cell->addBody(std::nullopt);
+    EXPECT_EQ(cell->bodyLbl()->text(), "");
+    cell->addBody("");
+    cell->addBody("c");
+    EXPECT_EQ(cell->bodyLbl()->text(), "c") << "an empty body takes the next line as it is";
+
+    EXPECT_EQ(cell->addHeader("x-y-z"), "z");
+    EXPECT_EQ(cell->headLbl()->text(), "z");
+    EXPECT_EQ(cell->addHeader("World/THA/Bangkok"), "Bangkok");
+    EXPECT_EQ(cell->addHeader("A-B/C"), "C");
+    EXPECT_EQ(cell->addHeader("Spot<en>"), "Spot<en>");
+    EXPECT_EQ(cell->headLbl()->text(), "Spot");
+    EXPECT_EQ(cell->addHeader("<en>Old<en> Town"), "<en>Old<en> Town");
+    EXPECT_EQ(cell->headLbl()->text(), "Old Town");
+
+    EXPECT_EQ(cell->priceLbl()->text(), "1.0");
+    cell->addPrice("12 EUR");
+    EXPECT_FALSE(cell->priceLbl()->isHidden());
+    EXPECT_EQ(cell->priceLbl()->text(), "12 EUR");
+    cell->addPrice(std::nullopt);
+    EXPECT_TRUE(cell->priceLbl()->isHidden());
+
+    cell->showCheckLabel(true);
+    EXPECT_FALSE(cell->checkLabel()->isHidden());
+    EXPECT_EQ(cell->checkLabel()->text(), "\u2713");
+    cell->showCheckLabel(false);
+    EXPECT_TRUE(cell->checkLabel()->isHidden());
+}
+
+// Everything is placed from the row height H, the width W and the text unit t.
+TEST_F(UITblCellTest, LayoutScalesWithTheRowHeight) {
+    const double t = UITblCell::getTextHeight();
+    EXPECT_DOUBLE_EQ(t, 1.5 * gfx::TextMetrics::size("Sample Text", gfx::Font::systemFont(17)).height);
+    for (double H : {100.0, 60.0}) {
+        const double W = 390;
+        cell->setFrame({0, 0, W, H});
+        host->runUntilIdle();
+        const double p = 0.7 * H;
+        EXPECT_TRUE(sameRect(cell->photo()->frame(), gfx::Rect(0.1 * p, (H - p) / 2, p, p))) << H;
+        EXPECT_DOUBLE_EQ(cell->photo()->layer().cornerRadius(), p / 2) << "a circle";
+        EXPECT_TRUE(sameRect(cell->indicator()->frame(), cell->photo()->frame()));
+        EXPECT_TRUE(sameRect(cell->headLbl()->frame(), gfx::Rect(0.9 * H, 0.2 * t, W - 1.1 * H, t)));
+        EXPECT_TRUE(
+            sameRect(cell->bodyLbl()->frame(), gfx::Rect(0.9 * H, 1.2 * t, W - 1.1 * H, H - (1.2 * t + 5))));
+        EXPECT_TRUE(sameRect(cell->priceLbl()->frame(), gfx::Rect(0.7 * W, 0.2 * t, 0.25 * W, t)));
+        const double c = 0.8 * t;
+        EXPECT_TRUE(sameRect(cell->checkLabel()->frame(), gfx::Rect(W - 1.9 * c, (H - c) / 2, c, c)));
+        EXPECT_DOUBLE_EQ(cell->checkLabel()->layer().cornerRadius(), c / 2);
+        EXPECT_EQ(cell->checkLabel()->layer().borderWidth(), 2);
+        EXPECT_TRUE(sameRect(cell->contentView()->frame(), gfx::Rect(5, 0, W - 10, H)));
+        ASSERT_TRUE(cell->layer().mask());
+        EXPECT_TRUE(sameRect(cell->layer().mask()->frame, gfx::Rect(5, 2.5, W - 10, H - 5)))
+            << "a gap between rows";
+    }
+    // The helpers the layout rests on.
+    auto view = std::make_shared<ui::View>(gfx::Rect(10, 20, 30, 40));
+    EXPECT_EQ(UITblCell::bottomOf(*view), 60);
+    EXPECT_EQ(UITblCell::bottomOf(*view, 5), 65);
+    EXPECT_EQ(cell->heightOf(*view, 5), 60 - 65);
+    UITblCell::addBorder(*view, 3);
+    EXPECT_EQ(view->layer().borderColor(), gfx::Color::whiteColor());
+    EXPECT_EQ(view->layer().borderWidth(), 3);
+}
+
+// Resource pictures: the shape decides fit or fill, clipping and backdrop;
+// no name hides the photo.
+TEST_F(UITblCellTest, ResourcePicturesArePlacedByTheirShape) {
+    resourcePicture("tall", 70, 100, gfx::Color::redColor());
+    cell->addImage("tall", std::nullopt);
+    EXPECT_TRUE(loading()) << "the answer is applied on the main queue";
+    host->runUntilIdle();
+    EXPECT_FALSE(loading());
+    EXPECT_EQ(cell->photo()->contentMode(), gfx::ContentMode::AspectFit);
+    EXPECT_TRUE(cell->photo()->backgroundColor().isClose(gfx::Color::redColor(), 0.01));
+    EXPECT_TRUE(cell->photo()->clipsToBounds());
+    cell->addImage(std::nullopt, std::nullopt);
+    EXPECT_TRUE(cell->photo()->isHidden());
+
+    // The cell's own sampling reads the bitmap's bytes in the order they lie:
+    // an opaque red pixel, stored A R G B, reads as (1, 1, 0, 0).
+    const std::vector<std::uint8_t> bytes = {255, 255, 0, 0, 10, 0, 0, 255};
+    EXPECT_EQ(UITblCell::getColorAtPoint({1, 0}, bytes, 2), gfx::Color(10 / 255.0, 0, 0, 1));
+    EXPECT_FALSE(UITblCell::getColorAtPoint({2, 0}, bytes, 2));
+    EXPECT_FALSE(UITblCell::getColorAtPoint({0, 1}, bytes, 2));
+    const auto corner = UITblCell::getColorOfCornersForImage(cell->photo()->image());
+    ASSERT_TRUE(corner);
+    EXPECT_TRUE(corner->isClose(gfx::Color(1, 1, 0, 0), 0.01));
+    EXPECT_FALSE(UITblCell::getColorOfCornersForImage(gfx::Image()));
+}
