@@ -4,6 +4,7 @@
 #include <morvane/ui/RefreshControl.h>
 #include <morvane/ui/TableView.h>
 #include <morvane/ui/Window.h>
+#include <morvane/ui/detail/VisibleRange.h>
 
 #include <Snapshot.h>
 #include <gtest/gtest.h>
@@ -95,6 +96,27 @@ struct TableFixture : ::testing::Test {
         }
     }
 };
+
+// Catches off-by-one runs: a row cut by the top edge must count, a row that
+// ends exactly at the top or starts exactly at the bottom must not, and empty
+// rows at the edge are not shown.
+TEST(VisibleRows, TheRunHoldsExactlyTheRowsCrossingTheViewport) {
+    using detail::visibleRows;
+    std::vector<double> tops{0, 44, 88, 88, 132};
+    std::vector<double> heights{44, 44, 0, 44, 44};
+    auto run = visibleRows(tops, heights, 44, 132);
+    EXPECT_EQ(run.first, 1u);
+    EXPECT_EQ(run.end, 4u);
+    run = visibleRows(tops, heights, 50, 100);
+    EXPECT_EQ(run.first, 1u) << "the row cut by the top edge";
+    EXPECT_EQ(run.end, 4u);
+    run = visibleRows(tops, heights, 88, 100);
+    EXPECT_EQ(run.first, 3u) << "an empty row at the top edge is not shown";
+    run = visibleRows(tops, heights, 500, 600);
+    EXPECT_EQ(run.first, run.end) << "past the last row";
+    run = visibleRows({}, {}, 0, 100);
+    EXPECT_EQ(run.first, run.end);
+}
 
 TEST_F(TableFixture, OnlyVisibleRowsHaveCellsAndScrolledOutCellsAreReused) {
     // 844 / 44 = 19.2: rows 0...19 on screen.

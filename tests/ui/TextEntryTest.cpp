@@ -135,6 +135,18 @@ TEST_F(FieldFixture, RangesCountUtf16UnitsAndBadRangesAreRefused) {
     EXPECT_EQ(detail::utf16Length("😀!é"), 4u);
 }
 
+// Catches deleting half a surrogate pair, deleting past either end of the
+// text, and a selection that is not removed as one.
+TEST(TextEditing, DeletionTakesTheSelectionOrOneWholeCodePoint) {
+    const std::string text = "a😀b";
+    EXPECT_EQ(detail::deletionRange(text, {1, 0}, Key::Delete), (TextRange{1, 2}));
+    EXPECT_EQ(detail::deletionRange(text, {3, 0}, Key::Backspace), (TextRange{1, 2}));
+    EXPECT_EQ(detail::deletionRange(text, {0, 0}, Key::Backspace), std::nullopt);
+    EXPECT_EQ(detail::deletionRange(text, {4, 0}, Key::Delete), std::nullopt);
+    EXPECT_EQ(detail::deletionRange(text, {1, 3}, Key::Delete), (TextRange{1, 3}));
+    EXPECT_EQ(detail::deletionRange(text, {1, 0}, Key::Left), std::nullopt);
+}
+
 TEST_F(FieldFixture, AccessoryViewShowsWhileEditingAndSecureEntryHidesTheText) {
     auto bar = std::make_shared<View>(gfx::Rect{0, 0, 390, 44});
     field->setInputAccessoryView(bar);

@@ -1,6 +1,7 @@
 #include <morvane/ui/CollectionView.h>
 
 #include <morvane/sys/Log.h>
+#include <morvane/ui/detail/CellRecycler.h>
 
 #include <algorithm>
 #include <exception>
@@ -17,12 +18,10 @@ std::string describe(IndexPath p) {
     return "section " + std::to_string(p.section) + " item " + std::to_string(p.row);
 }
 
-// Cells that cannot be asked for again carry this identifier and are dropped, not queued.
-const std::string kUnusable = "\x01unregistered";
-
 } // namespace
 
-CollectionView::CollectionView(const gfx::Rect& frame, FlowLayout layout) : layout_(std::move(layout)) {
+CollectionView::CollectionView(const gfx::Rect& frame, FlowLayout layout)
+    : layout_(std::move(layout)), cells_(std::make_unique<detail::CellRecycler<CollectionViewCell>>()) {
     setFrame(frame);
 }
 
@@ -46,29 +45,12 @@ void CollectionView::invalidateLayout() {
 
 void CollectionView::registerCell(const std::string& identifier, CellFactory factory,
                                   std::function<bool(const CollectionViewCell&)> isOfClass) {
-    if (!factory) {
-        registrations_.erase(identifier);
-        return;
-    }
-    registrations_[identifier] = Registration{std::move(factory), std::move(isOfClass)};
+    cells_->registerClass(identifier, std::move(factory), std::move(isOfClass));
 }
 
 std::shared_ptr<CollectionViewCell> CollectionView::dequeueReusableCell(const std::string& identifier,
                                                                         IndexPath indexPath) {
-    auto queue = reuseQueues_.find(identifier);
-    if (queue != reuseQueues_.end() && !queue->second.empty()) {
-        auto cell = std::move(queue->second.back());
-        queue->second.pop_back();
-        cell->prepareForReuse();
-        return cell;
-    }
-    auto registration = registrations_.find(identifier);
-    if (registration != registrations_.end()) {
-        if (auto cell = registration->second.factory(identifier)) {
-            cell->reuseIdentifier_ = identifier;
-            return cell;
-        }
-    }
+    if (auto cell = cells_->dequeue(identifier)) return cell;
     warn("no cell class registered for \"" + identifier + "\" (asked for " + describe(indexPath) +
          "); a plain cell is used");
     return std::make_shared<CollectionViewCell>(identifier);
@@ -77,9 +59,7 @@ std::shared_ptr<CollectionViewCell> CollectionView::dequeueReusableCell(const st
 void CollectionView::reloadData() {
     needsReload_ = true;
     selected_.clear();
-    for (auto& [path, cell] : visible_)
-        enqueue(cell);
-    visible_.clear();
+    cells_->recycleAll();
     setNeedsLayout();
 }
 
@@ -132,16 +112,6 @@ void CollectionView::layoutSubviews() {
     if (needsCells_) layoutCells();
 }
 
-void CollectionView::enqueue(const std::shared_ptr<CollectionViewCell>& cell) {
-    cell->indexPath_.reset();
-    if (cell->reuseIdentifier().empty() || cell->reuseIdentifier() == kUnusable) {
-        cell->removeFromSuperview();
-        return;
-    }
-    cell->setHidden(true);
-    reuseQueues_[cell->reuseIdentifier()].push_back(cell);
-}
-
 std::shared_ptr<CollectionViewCell> CollectionView::makeCell(IndexPath p) {
     std::shared_ptr<CollectionViewCell> cell;
     try {
@@ -155,18 +125,14 @@ std::shared_ptr<CollectionViewCell> CollectionView::makeCell(IndexPath p) {
         warn("the data source gave no cell for " + describe(p) + "; the item is left blank");
         return std::make_shared<CollectionViewCell>();
     }
-    auto reg = registrations_.find(cell->reuseIdentifier());
-    if (reg != registrations_.end() && reg->second.isOfClass && !reg->second.isOfClass(*cell)) {
-        warn("the cell for " + describe(p) + " is not of the class registered for \"" +
-             cell->reuseIdentifier() + "\"; it is shown but not reused");
-        cell->reuseIdentifier_ = kUnusable;
-    }
+    if (std::string identifier = cell->reuseIdentifier(); !cells_->adopt(cell))
+        warn("the cell for " + describe(p) + " is not of the class registered for \"" + identifier +
+             "\"; it is shown but not reused");
     if (cell->indexPath_) {
         warn("the cell for " + describe(p) + " is already shown for another item; the item is left blank");
         return std::make_shared<CollectionViewCell>();
     }
-    for (auto& [id, queue] : reuseQueues_)
-        std::erase(queue, cell);
+    cells_->unqueue(cell);
     return cell;
 }
 
@@ -175,16 +141,9 @@ void CollectionView::layoutCells() {
     std::vector<IndexPath> wanted;
     if (dataSource_) wanted = layout_.itemsIn(bounds());
     std::sort(wanted.begin(), wanted.end());
-    for (auto it = visible_.begin(); it != visible_.end();) {
-        if (!std::binary_search(wanted.begin(), wanted.end(), it->first)) {
-            enqueue(it->second);
-            it = visible_.erase(it);
-        } else {
-            ++it;
-        }
-    }
+    cells_->recycleAllBut(wanted, [](IndexPath) {});
     for (IndexPath p : wanted) {
-        auto& slot = visible_[p];
+        auto& slot = cells_->visible()[p];
         if (!slot) {
             auto cell = makeCell(p);
             slot = cell;
@@ -196,7 +155,6 @@ void CollectionView::layoutCells() {
         }
         slot->setFrame(layout_.frameForItem(p));
     }
-    std::size_t queued = std::size_t(liveCellCount()) - visible_.size();
     // A grid frees a whole line at a time: keep a line's worth (at least two).
     std::size_t perLine = 0;
     if (!wanted.empty()) {
@@ -205,40 +163,23 @@ void CollectionView::layoutCells() {
             if (layout_.frameForItem(p).y == y) ++perLine;
     }
     std::size_t keep = std::max<std::size_t>(2, perLine);
-    for (auto& [id, queue] : reuseQueues_) {
-        while (queued > keep && !queue.empty()) {
-            queue.front()->removeFromSuperview();
-            queue.erase(queue.begin());
-            --queued;
-        }
-    }
+    cells_->trimQueues(keep);
 }
 
 int CollectionView::liveCellCount() const {
-    std::size_t n = visible_.size();
-    for (auto& [id, queue] : reuseQueues_)
-        n += queue.size();
-    return int(n);
+    return cells_->liveCount();
 }
 
 std::vector<std::shared_ptr<CollectionViewCell>> CollectionView::visibleCells() const {
-    std::vector<std::shared_ptr<CollectionViewCell>> cells;
-    for (auto& [path, cell] : visible_)
-        cells.push_back(cell);
-    return cells;
+    return cells_->visibleCells();
 }
 
 std::vector<IndexPath> CollectionView::indexPathsForVisibleItems() const {
-    std::vector<IndexPath> paths;
-    for (auto& [path, cell] : visible_)
-        paths.push_back(path);
-    return paths;
+    return cells_->visibleIndexPaths();
 }
 
 std::optional<IndexPath> CollectionView::indexPathForCell(const CollectionViewCell& cell) const {
-    for (auto& [path, c] : visible_)
-        if (c.get() == &cell) return path;
-    return std::nullopt;
+    return cells_->indexPathOf(cell);
 }
 
 std::optional<IndexPath> CollectionView::indexPathForItem(gfx::Point point) const {
@@ -246,8 +187,7 @@ std::optional<IndexPath> CollectionView::indexPathForItem(gfx::Point point) cons
 }
 
 std::shared_ptr<CollectionViewCell> CollectionView::cellForItem(IndexPath p) const {
-    auto it = visible_.find(p);
-    return it == visible_.end() ? nullptr : it->second;
+    return cells_->cellAt(p);
 }
 
 void CollectionView::selectItem(IndexPath p) {

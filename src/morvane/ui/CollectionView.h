@@ -14,17 +14,18 @@
 #include <morvane/ui/ScrollView.h>
 
 #include <functional>
-#include <map>
 #include <memory>
 #include <optional>
 #include <string>
 #include <type_traits>
-#include <unordered_map>
 #include <vector>
 
 namespace morvane::ui {
 
 class CollectionView;
+namespace detail {
+template <class Cell> class CellRecycler;
+}
 
 class CollectionViewDataSource {
   public:
@@ -102,22 +103,16 @@ class CollectionView : public ScrollView {
     void boundsChanged(const gfx::Rect& oldBounds) override;
 
   private:
-    struct Registration {
-        CellFactory factory;
-        std::function<bool(const CollectionViewCell&)> isOfClass;
-    };
     void measure();
     void layoutCells();
     std::shared_ptr<CollectionViewCell> makeCell(IndexPath indexPath);
-    void enqueue(const std::shared_ptr<CollectionViewCell>& cell);
 
     FlowLayout layout_;
     CollectionViewDataSource* dataSource_ = nullptr;
     CollectionViewDelegate* delegate_ = nullptr;
     bool allowsSelection_ = true;
-    std::unordered_map<std::string, Registration> registrations_;
-    std::unordered_map<std::string, std::vector<std::shared_ptr<CollectionViewCell>>> reuseQueues_;
-    std::map<IndexPath, std::shared_ptr<CollectionViewCell>> visible_;
+    // Registrations, the reuse queues and the cells on screen.
+    std::unique_ptr<detail::CellRecycler<CollectionViewCell>> cells_;
     std::vector<int> items_;
     std::vector<IndexPath> selected_;
     bool needsReload_ = true;

@@ -11,6 +11,10 @@
 
 namespace morvane::ui {
 
+namespace detail {
+template <class Cell> class CellRecycler;
+}
+
 class CollectionViewCell : public View {
   public:
     explicit CollectionViewCell(std::string reuseIdentifier = {});
@@ -30,6 +34,7 @@ class CollectionViewCell : public View {
 
   private:
     friend class CollectionView;
+    template <class> friend class detail::CellRecycler;
     std::string reuseIdentifier_;
     std::shared_ptr<View> contentView_;
     bool selected_ = false;

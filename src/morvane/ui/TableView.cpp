@@ -13,6 +13,8 @@
 #include <morvane/sys/Log.h>
 #include <morvane/ui/Button.h>
 #include <morvane/ui/Label.h>
+#include <morvane/ui/detail/CellRecycler.h>
+#include <morvane/ui/detail/VisibleRange.h>
 
 #include <algorithm>
 #include <cmath>
@@ -42,7 +44,8 @@ std::string describe(IndexPath p) {
 
 TableView::TableView(const gfx::Rect& frame, Style style)
     : style_(style), headerHeight_(style == Style::Grouped ? 18 : 0),
-      footerHeight_(style == Style::Grouped ? 18 : 0) {
+      footerHeight_(style == Style::Grouped ? 18 : 0),
+      cells_(std::make_unique<detail::CellRecycler<TableViewCell>>()) {
     setFrame(frame);
     setBackgroundColor(style == Style::Grouped ? kGroupedBackground : gfx::Color::whiteColor());
     setAlwaysBounceVertical(true);
@@ -92,19 +95,19 @@ void TableView::setTableFooterView(std::shared_ptr<View> view) {
 
 void TableView::setSeparatorStyle(SeparatorStyle style) {
     separatorStyle_ = style;
-    for (auto& [path, cell] : visible_)
+    for (auto& [path, cell] : cells_->visible())
         configure(*cell, path);
 }
 
 void TableView::setSeparatorColor(const gfx::Color& color) {
     separatorColor_ = color;
-    for (auto& [path, cell] : visible_)
+    for (auto& [path, cell] : cells_->visible())
         configure(*cell, path);
 }
 
 void TableView::setSeparatorInset(double inset) {
     separatorInset_ = std::isfinite(inset) ? inset : 0;
-    for (auto& [path, cell] : visible_)
+    for (auto& [path, cell] : cells_->visible())
         configure(*cell, path);
 }
 
@@ -115,26 +118,11 @@ void TableView::setAllowsMultipleSelection(bool allows) {
 
 void TableView::registerCell(const std::string& identifier, CellFactory factory,
                              std::function<bool(const TableViewCell&)> isOfClass) {
-    if (!factory) {
-        registrations_.erase(identifier);
-        return;
-    }
-    registrations_[identifier] = Registration{std::move(factory), std::move(isOfClass)};
+    cells_->registerClass(identifier, std::move(factory), std::move(isOfClass));
 }
 
 std::shared_ptr<TableViewCell> TableView::dequeueReusableCell(const std::string& identifier) {
-    auto queue = reuseQueues_.find(identifier);
-    if (queue != reuseQueues_.end() && !queue->second.empty()) {
-        auto cell = std::move(queue->second.back());
-        queue->second.pop_back();
-        cell->prepareForReuse();
-        return cell;
-    }
-    auto registration = registrations_.find(identifier);
-    if (registration == registrations_.end()) return nullptr;
-    auto cell = registration->second.factory(identifier);
-    if (cell) cell->reuseIdentifier_ = identifier;
-    return cell;
+    return cells_->dequeue(identifier);
 }
 
 std::shared_ptr<TableViewCell> TableView::dequeueReusableCell(const std::string& identifier,
@@ -162,9 +150,7 @@ void TableView::reloadData() {
     highlighted_.reset();
     closeSwipeActions();
     // Every visible cell goes back to its queue; the next layout asks again.
-    for (auto& [path, cell] : visible_)
-        enqueue(cell);
-    visible_.clear();
+    cells_->recycleAll();
     for (auto& [section, view] : headers_)
         view->removeFromSuperview();
     for (auto& [section, view] : footers_)
@@ -196,12 +182,8 @@ void TableView::performBatchUpdates(const std::function<void()>& updates) {
 }
 
 void TableView::reloadRows(const std::vector<IndexPath>& rows) {
-    for (IndexPath path : rows) {
-        auto it = visible_.find(path);
-        if (it == visible_.end()) continue;
-        enqueue(it->second);
-        visible_.erase(it);
-    }
+    for (IndexPath path : rows)
+        cells_->recycle(path);
     needsCells_ = true;
     setNeedsLayout();
 }
@@ -310,35 +292,23 @@ std::optional<IndexPath> TableView::indexPathForRow(gfx::Point point) const {
 }
 
 std::optional<IndexPath> TableView::indexPathForCell(const TableViewCell& cell) const {
-    for (auto& [path, c] : visible_)
-        if (c.get() == &cell) return path;
-    return std::nullopt;
+    return cells_->indexPathOf(cell);
 }
 
 std::shared_ptr<TableViewCell> TableView::cellForRow(IndexPath p) const {
-    auto it = visible_.find(p);
-    return it == visible_.end() ? nullptr : it->second;
+    return cells_->cellAt(p);
 }
 
 std::vector<std::shared_ptr<TableViewCell>> TableView::visibleCells() const {
-    std::vector<std::shared_ptr<TableViewCell>> cells;
-    for (auto& [path, cell] : visible_)
-        cells.push_back(cell);
-    return cells;
+    return cells_->visibleCells();
 }
 
 std::vector<IndexPath> TableView::indexPathsForVisibleRows() const {
-    std::vector<IndexPath> paths;
-    for (auto& [path, cell] : visible_)
-        paths.push_back(path);
-    return paths;
+    return cells_->visibleIndexPaths();
 }
 
 int TableView::liveCellCount() const {
-    std::size_t n = visible_.size();
-    for (auto& [id, queue] : reuseQueues_)
-        n += queue.size();
-    return int(n);
+    return cells_->liveCount();
 }
 
 void TableView::scrollToRow(IndexPath p, ScrollPosition position, bool animated) {
@@ -398,18 +368,6 @@ void TableView::layoutSubviews() {
     if (needsCells_) layoutCells();
 }
 
-void TableView::enqueue(const std::shared_ptr<TableViewCell>& cell) {
-    cell->indexPath_.reset();
-    // Cells nobody can ask for again (no identifier, or a class that does not
-    // match its registration) are dropped rather than queued.
-    if (cell->reuseIdentifier().empty() || cell->reuseIdentifier()[0] == '\x01') {
-        cell->removeFromSuperview();
-        return;
-    }
-    cell->setHidden(true);
-    reuseQueues_[cell->reuseIdentifier()].push_back(cell);
-}
-
 void TableView::configure(TableViewCell& cell, IndexPath p) {
     cell.indexPath_ = p;
     bool last = p.row == sections_[std::size_t(p.section)].rows - 1;
@@ -434,19 +392,15 @@ std::shared_ptr<TableViewCell> TableView::makeCell(IndexPath p) {
              " (it reports more rows than it has?); the row is left blank");
         return std::make_shared<TableViewCell>();
     }
-    auto reg = registrations_.find(cell->reuseIdentifier());
-    if (reg != registrations_.end() && reg->second.isOfClass && !reg->second.isOfClass(*cell)) {
-        warn("the cell for " + describe(p) + " is not of the class registered for \"" +
-             cell->reuseIdentifier() + "\"; it is shown but not reused");
-        cell->reuseIdentifier_ = "\x01unregistered";
-    }
+    if (std::string identifier = cell->reuseIdentifier(); !cells_->adopt(cell))
+        warn("the cell for " + describe(p) + " is not of the class registered for \"" + identifier +
+             "\"; it is shown but not reused");
     if (cell->indexPath_ || (cell->superview() == this && !cell->isHidden())) {
         warn("the cell for " + describe(p) + " is already shown for another row; the row is left blank");
         return std::make_shared<TableViewCell>();
     }
     // A cell that was dequeued might be taken out of a queue still; make sure no queue holds it.
-    for (auto& [id, queue] : reuseQueues_)
-        std::erase(queue, cell);
+    cells_->unqueue(cell);
     return cell;
 }
 
@@ -456,15 +410,7 @@ void TableView::layoutCells() {
     double top = contentOffset().y;
     double bottom = top + bounds().height;
 
-    // The visible run of rows: the first row ending below the top edge to
-    // the last row starting above the bottom edge.
-    std::size_t first =
-        std::size_t(std::upper_bound(rowTops_.begin(), rowTops_.end(), top) - rowTops_.begin());
-    if (first > 0) --first;
-    while (first < rowTops_.size() && rowTops_[first] + rowHeights_[first] <= top)
-        ++first;
-    std::size_t end =
-        std::size_t(std::lower_bound(rowTops_.begin(), rowTops_.end(), bottom) - rowTops_.begin());
+    auto [first, end] = detail::visibleRows(rowTops_, rowHeights_, top, bottom);
     if (!dataSource_) end = first;
 
     // Which sections hold the run.
@@ -487,17 +433,11 @@ void TableView::layoutCells() {
 
     // Rows that left the screen give their cells back first, so the rows
     // coming in can take them.
-    for (auto it = visible_.begin(); it != visible_.end();) {
-        if (!std::binary_search(wanted.begin(), wanted.end(), it->first)) {
-            if (swipe_.row && it->first == *swipe_.row) closeSwipeActions();
-            enqueue(it->second);
-            it = visible_.erase(it);
-        } else {
-            ++it;
-        }
-    }
+    cells_->recycleAllBut(wanted, [this](IndexPath leaving) {
+        if (swipe_.row && leaving == *swipe_.row) closeSwipeActions();
+    });
     for (IndexPath p : wanted) {
-        auto& slot = visible_[p];
+        auto& slot = cells_->visible()[p];
         if (!slot) {
             auto cell = makeCell(p);
             slot = cell;
@@ -512,14 +452,7 @@ void TableView::layoutCells() {
     }
     // Cells past the reuse need are let go: a steady scroll frees at most a
     // row or two per frame, so two queued cells in all are enough.
-    std::size_t queued = std::size_t(liveCellCount()) - visible_.size();
-    for (auto& [id, queue] : reuseQueues_) {
-        while (queued > 2 && !queue.empty()) {
-            queue.front()->removeFromSuperview();
-            queue.erase(queue.begin());
-            --queued;
-        }
-    }
+    cells_->trimQueues(2);
     layoutSupplementaryViews(top, bottom);
     if (swipe_.strip && swipe_.row) {
         gfx::Rect row = rectForRow(*swipe_.row);

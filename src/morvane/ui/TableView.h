@@ -34,12 +34,14 @@
 #include <optional>
 #include <string>
 #include <type_traits>
-#include <unordered_map>
 #include <vector>
 
 namespace morvane::ui {
 
 class TableView;
+namespace detail {
+template <class Cell> class CellRecycler;
+}
 
 enum class TableViewCellEditingStyle { None, Delete, Insert };
 
@@ -205,10 +207,6 @@ class TableView : public ScrollView {
         int rows = 0;
         double bottom = 0;
     };
-    struct Registration {
-        CellFactory factory;
-        std::function<bool(const TableViewCell&)> isOfClass;
-    };
     struct Swipe {
         std::optional<IndexPath> row;
         double offset = 0;
@@ -229,7 +227,6 @@ class TableView : public ScrollView {
     void layoutCells();
     void layoutSupplementaryViews(double top, double bottom);
     std::shared_ptr<TableViewCell> makeCell(IndexPath indexPath);
-    void enqueue(const std::shared_ptr<TableViewCell>& cell);
     void configure(TableViewCell& cell, IndexPath indexPath);
     double contentTop() const;
     void userSelect(IndexPath indexPath);
@@ -252,9 +249,8 @@ class TableView : public ScrollView {
     bool allowsSelection_ = true;
     bool allowsMultipleSelection_ = false;
 
-    std::unordered_map<std::string, Registration> registrations_;
-    std::unordered_map<std::string, std::vector<std::shared_ptr<TableViewCell>>> reuseQueues_;
-    std::map<IndexPath, std::shared_ptr<TableViewCell>> visible_;
+    // Registrations, the reuse queues and the cells on screen.
+    std::unique_ptr<detail::CellRecycler<TableViewCell>> cells_;
     std::map<int, std::shared_ptr<View>> headers_;
     std::map<int, std::shared_ptr<View>> footers_;
     std::vector<IndexPath> selected_;

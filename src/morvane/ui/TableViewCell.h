@@ -17,6 +17,10 @@
 
 namespace morvane::ui {
 
+namespace detail {
+template <class Cell> class CellRecycler;
+}
+
 class Label;
 class TableView;
 
@@ -56,6 +60,7 @@ class TableViewCell : public View {
 
   private:
     friend class TableView;
+    template <class> friend class detail::CellRecycler;
     std::string reuseIdentifier_;
     Style style_;
     std::shared_ptr<View> contentView_;

@@ -73,8 +73,7 @@ void TextField::setInputAccessoryView(std::shared_ptr<View> view) {
 }
 
 void TextField::setSelectedRange(TextRange range) {
-    std::size_t length = detail::utf16Length(text_);
-    if (range.end() > length || range.end() < range.location) {
+    if (!detail::fits(text_, range)) {
         sys::Log::platform("TextField: a selection outside the text is ignored");
         return;
     }
@@ -131,20 +130,14 @@ void TextField::didMoveToWindow() {
 }
 
 bool TextField::replace(TextRange range, std::string_view replacement) {
-    auto changed = detail::replaced(text_, range, replacement);
-    if (!changed) {
-        sys::Log::platform("TextField: an edit of " + std::to_string(range.location) + "+" +
-                           std::to_string(range.length) + " lies outside the text of " +
-                           std::to_string(detail::utf16Length(text_)) + " units; ignored");
+    if (!detail::replaced(text_, range, replacement)) {
+        sys::Log::platform("TextField: " + detail::editOutsideText(text_, range));
         return false;
     }
     auto keep = shared_from_this();
     if (delegate_ && !delegate_->shouldChangeCharacters(*this, range, replacement)) return false;
     // The delegate may have changed the text itself; the range must still fit.
-    changed = detail::replaced(text_, range, replacement);
-    if (!changed) return false;
-    text_ = std::move(*changed);
-    selection_ = {range.location + detail::utf16Length(replacement), 0};
+    if (!detail::applyEdit(text_, selection_, range, replacement)) return false;
     setNeedsDisplay();
     sendActions(ControlEvent::EditingChanged);
     return true;
@@ -181,20 +174,8 @@ bool TextField::keyPressed(Key key) {
         return true;
     }
     case Key::Backspace:
-        if (selection_.length > 0)
-            replace(selection_, "");
-        else if (selection_.location > 0) {
-            std::size_t from = detail::previousBoundary(text_, selection_.location);
-            replace({from, selection_.location - from}, "");
-        }
-        return true;
     case Key::Delete:
-        if (selection_.length > 0)
-            replace(selection_, "");
-        else if (selection_.location < length) {
-            std::size_t to = detail::nextBoundary(text_, selection_.location);
-            replace({selection_.location, to - selection_.location}, "");
-        }
+        if (auto range = detail::deletionRange(text_, selection_, key)) replace(*range, "");
         return true;
     case Key::Left:
         selection_ = {selection_.length ? selection_.location
@@ -254,8 +235,7 @@ void TextField::draw(gfx::Canvas& canvas, const gfx::Rect& rect) {
     }
     if (!editing_) return;
     // The caret: after the text before it, placed as the alignment places the line.
-    std::string before =
-        text_.substr(0, detail::byteOffset(text_, selection_.location).value_or(text_.size()));
+    std::string before = detail::textBefore(text_, selection_.location);
     if (secure_) before = detail::bullets(before);
     double full = gfx::TextMetrics::size(shown, style_.font).width;
     double x = area.x + gfx::TextMetrics::size(before, style_.font).width;

@@ -104,7 +104,7 @@ gfx::Size TextView::sizeThatFits(gfx::Size size) const {
 }
 
 void TextView::setSelectedRange(TextRange range) {
-    if (range.end() > detail::utf16Length(text_) || range.end() < range.location) {
+    if (!detail::fits(text_, range)) {
         sys::Log::platform("TextView: a selection outside the text is ignored");
         return;
     }
@@ -142,17 +142,12 @@ bool TextView::resignFirstResponder() {
 
 bool TextView::replace(TextRange range, std::string_view replacement) {
     if (!detail::replaced(text_, range, replacement)) {
-        sys::Log::platform("TextView: an edit of " + std::to_string(range.location) + "+" +
-                           std::to_string(range.length) + " lies outside the text of " +
-                           std::to_string(detail::utf16Length(text_)) + " units; ignored");
+        sys::Log::platform("TextView: " + detail::editOutsideText(text_, range));
         return false;
     }
     auto keep = shared_from_this();
     if (delegate_ && !delegate_->shouldChangeText(*this, range, replacement)) return false;
-    auto changed = detail::replaced(text_, range, replacement);
-    if (!changed) return false;
-    text_ = std::move(*changed);
-    selection_ = {range.location + detail::utf16Length(replacement), 0};
+    if (!detail::applyEdit(text_, selection_, range, replacement)) return false;
     textChanged();
     if (delegate_) delegate_->textViewDidChange(*this);
     return true;
@@ -171,20 +166,8 @@ bool TextView::keyPressed(Key key) {
         replace(selection_, "\n");
         return true;
     case Key::Backspace:
-        if (selection_.length > 0)
-            replace(selection_, "");
-        else if (selection_.location > 0) {
-            std::size_t from = detail::previousBoundary(text_, selection_.location);
-            replace({from, selection_.location - from}, "");
-        }
-        return true;
     case Key::Delete:
-        if (selection_.length > 0)
-            replace(selection_, "");
-        else if (selection_.location < length) {
-            std::size_t to = detail::nextBoundary(text_, selection_.location);
-            replace({selection_.location, to - selection_.location}, "");
-        }
+        if (auto range = detail::deletionRange(text_, selection_, key)) replace(*range, "");
         return true;
     case Key::Left:
         setSelectedRange({detail::previousBoundary(text_, selection_.location), 0});
@@ -216,8 +199,7 @@ void TextView::draw(gfx::Canvas& canvas, const gfx::Rect& rect) {
     if (!editing_) return;
     // The caret: below the lines before it, after the text of its own line.
     // Soft-wrapped lines are measured as the text up to the caret wraps.
-    std::string before =
-        text_.substr(0, detail::byteOffset(text_, selection_.location).value_or(text_.size()));
+    std::string before = detail::textBefore(text_, selection_.location);
     if (secure_) before = detail::bullets(before);
     double line = gfx::TextMetrics::size("Ag", style_.font).height;
     std::size_t lineStart = before.rfind('\n');

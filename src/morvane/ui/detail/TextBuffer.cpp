@@ -87,4 +87,38 @@ std::string bullets(std::string_view text) {
     return out;
 }
 
+bool fits(std::string_view text, TextRange range) {
+    return range.end() >= range.location && range.end() <= utf16Length(text);
+}
+
+std::optional<TextRange> deletionRange(std::string_view text, TextRange selection, Key key) {
+    if (key != Key::Backspace && key != Key::Delete) return std::nullopt;
+    if (selection.length > 0) return selection;
+    if (key == Key::Backspace) {
+        if (selection.location == 0) return std::nullopt;
+        std::size_t from = previousBoundary(text, selection.location);
+        return TextRange{from, selection.location - from};
+    }
+    if (selection.location >= utf16Length(text)) return std::nullopt;
+    std::size_t to = nextBoundary(text, selection.location);
+    return TextRange{selection.location, to - selection.location};
+}
+
+bool applyEdit(std::string& text, TextRange& selection, TextRange range, std::string_view replacement) {
+    auto changed = replaced(text, range, replacement);
+    if (!changed) return false;
+    text = std::move(*changed);
+    selection = {range.location + utf16Length(replacement), 0};
+    return true;
+}
+
+std::string editOutsideText(std::string_view text, TextRange range) {
+    return "an edit of " + std::to_string(range.location) + "+" + std::to_string(range.length) +
+           " lies outside the text of " + std::to_string(utf16Length(text)) + " units; ignored";
+}
+
+std::string textBefore(std::string_view text, std::size_t utf16Index) {
+    return std::string(text.substr(0, byteOffset(text, utf16Index).value_or(text.size())));
+}
+
 } // namespace morvane::ui::detail

@@ -3,6 +3,7 @@
 // UTF-16 units: conversions between the two, and the code point boundaries
 // that backspace and the arrow keys step over.
 
+#include <morvane/ui/Key.h>
 #include <morvane/ui/TextRange.h>
 
 #include <optional>
@@ -22,5 +23,21 @@ std::size_t nextBoundary(std::string_view text, std::size_t utf16Index);
 std::optional<std::string> replaced(std::string_view text, TextRange range, std::string_view replacement);
 // One bullet per code point, for secure entry.
 std::string bullets(std::string_view text);
+
+// ---- Editing, shared by the one-line field and the text view -----------------------
+// A selection that lies inside the text.
+bool fits(std::string_view text, TextRange range);
+// What Backspace (backwards) or Delete (forwards) removes: the selection, or
+// else the code point beside the caret; null at the text's edge or for other keys.
+std::optional<TextRange> deletionRange(std::string_view text, TextRange selection, Key key);
+// Carries out an edit that was agreed to: the range is replaced and the caret
+// goes after the new text. False (nothing changed) when the range no longer
+// fits, as when the delegate changed the text while it was asked.
+bool applyEdit(std::string& text, TextRange& selection, TextRange range, std::string_view replacement);
+// The log line for an edit whose range does not fit the text.
+std::string editOutsideText(std::string_view text, TextRange range);
+// The text before the caret at a UTF-16 position (all of it past the end or
+// inside a surrogate pair), for measuring where the caret goes.
+std::string textBefore(std::string_view text, std::size_t utf16Index);
 
 } // namespace morvane::ui::detail
