@@ -12,12 +12,18 @@
 
 #include <algorithm>
 #include <cmath>
+#include <cstdlib>
 #include <optional>
+#include <string_view>
 #include <vector>
 
 namespace morvane::ui {
 
 namespace {
+
+bool isHeadlessDriver(std::string_view driver) {
+    return driver == "offscreen" || driver == "dummy";
+}
 
 std::optional<Key> keyFor(SDL_Keycode code) {
     switch (code) {
@@ -79,6 +85,16 @@ WindowHost::WindowHost(Options options) : impl_(std::make_unique<Impl>()), optio
     if (SDL_InitSubSystem(SDL_INIT_VIDEO) != 0) {
         error_ = std::string("no video: ") + SDL_GetError();
         return;
+    }
+    // With no display at all SDL quietly falls back to drawing off screen; a
+    // window nobody can see is no window, unless that driver was asked for.
+    if (const char* driver = SDL_GetCurrentVideoDriver(); driver && isHeadlessDriver(driver)) {
+        const char* chosen = std::getenv("SDL_VIDEODRIVER");
+        if (!chosen || !*chosen) {
+            error_ = std::string("no display (SDL fell back to its ") + driver + " video driver)";
+            SDL_QuitSubSystem(SDL_INIT_VIDEO);
+            return;
+        }
     }
     impl_->pixelWidth = static_cast<int>(std::ceil(options_.size.width * options_.scale));
     impl_->pixelHeight = static_cast<int>(std::ceil(options_.size.height * options_.scale));
