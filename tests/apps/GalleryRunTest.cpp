@@ -1,6 +1,8 @@
 // Runs the gallery as built, the way the README's main job does, and checks
 // what it leaves: the pages, the screenshots they name, and nothing else.
 
+#include "SanitizerSuppressions.h"
+
 #include <morvane/gfx/Image.h>
 
 #include <gtest/gtest.h>
@@ -54,9 +56,8 @@ class GalleryRun : public ::testing::Test {
         // The gallery is a program of its own, without the test programs'
         // built-in allowances for the font stack (see tests/support): give
         // it the same ones for sanitizer builds. Its own code gets none.
-        std::ofstream(dir_ / "leaks.supp") << "leak:libfontconfig.so\n";
-        std::ofstream(dir_ / "races.supp")
-            << "race:libfontconfig.so\nrace:libglib-2.0.so\nrace:libharfbuzz.so\n";
+        std::ofstream(dir_ / "leaks.supp") << __lsan_default_suppressions();
+        std::ofstream(dir_ / "races.supp") << __tsan_default_suppressions();
     }
     void TearDown() override { fs::remove_all(dir_); }
 
