@@ -9,6 +9,11 @@ function(morvane_warnings target)
   endif()
 endfunction()
 
+# The sample documents (standard public JSON examples) that tests and
+# benchmarks read; they live beside the repository, not in it.
+set(MORVANE_SHARED_DATA_DIR "${PROJECT_SOURCE_DIR}/../shared/data" CACHE PATH
+    "Folder of the shared sample data read by tests and benchmarks")
+
 # morvane_test(NAME source...): one GoogleTest executable, registered with CTest
 # test by test. Extra libraries can be linked by the caller afterwards.
 function(morvane_test name)
@@ -17,7 +22,7 @@ function(morvane_test name)
   morvane_warnings(${name})
   target_compile_definitions(${name} PRIVATE
     MORVANE_SOURCE_DIR="${PROJECT_SOURCE_DIR}"
-    MORVANE_SHARED_DATA_DIR="${PROJECT_SOURCE_DIR}/../shared/data")
+    MORVANE_SHARED_DATA_DIR="${MORVANE_SHARED_DATA_DIR}")
   gtest_discover_tests(${name} DISCOVERY_TIMEOUT 60 PROPERTIES TIMEOUT 300)
 endfunction()
 
@@ -28,5 +33,5 @@ function(morvane_bench name)
   morvane_warnings(${name})
   target_compile_definitions(${name} PRIVATE
     MORVANE_SOURCE_DIR="${PROJECT_SOURCE_DIR}"
-    MORVANE_SHARED_DATA_DIR="${PROJECT_SOURCE_DIR}/../shared/data")
+    MORVANE_SHARED_DATA_DIR="${MORVANE_SHARED_DATA_DIR}")
 endfunction()
