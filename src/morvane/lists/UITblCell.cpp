@@ -96,17 +96,10 @@ void UITblCell::addImage(std::optional<std::string_view> name, std::optional<std
     }
     photo_->setHidden(false);
     showProgress(true);
-    auto loader = std::make_shared<ZBImageModel>();
+    // A released cell is left alone; a reused one shows what arrives.
     std::weak_ptr<UITblCell> weakSelf = std::static_pointer_cast<UITblCell>(weak_from_this().lock());
-    // The loader rides along in the callback so that it lives as long as the
-    // request; the cell is held weakly, so a released cell is left alone.
-    loader->taskWithName(name, imgd, [weakSelf, loader](const gfx::Image& image, bool) {
-        sys::Queue::main().async([weakSelf, loader, image] {
-            auto self = weakSelf.lock();
-            if (!self) return;
-            self->showLoaded(image);
-            loader->cleanup();
-        });
+    ZBImageModel::loadOnMain(name, imgd, [weakSelf](const gfx::Image& image) {
+        if (auto self = weakSelf.lock()) self->showLoaded(image);
     });
 }
 

@@ -27,16 +27,9 @@ ZBImage::ZBImage(const gfx::Color&) {
 void ZBImage::addImage(std::optional<std::string_view> name, std::optional<std::string_view> imgd) {
     MORVANE_ASSERT_MAIN_THREAD();
     showProgress(true);
-    auto loader = std::make_shared<ZBImageModel>();
     std::weak_ptr<ZBImage> weakSelf = std::static_pointer_cast<ZBImage>(shared_from_this());
-    // The loader rides along in the callback: it lives exactly as long as the request.
-    loader->taskWithName(name, imgd, [weakSelf, loader](const gfx::Image& image, bool) {
-        sys::Queue::main().async([weakSelf, loader, image] {
-            auto self = weakSelf.lock();
-            if (!self) return;
-            self->showLoaded(image);
-            loader->cleanup();
-        });
+    ZBImageModel::loadOnMain(name, imgd, [weakSelf](const gfx::Image& image) {
+        if (auto self = weakSelf.lock()) self->showLoaded(image);
     });
 }
 

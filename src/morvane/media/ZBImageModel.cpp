@@ -54,6 +54,18 @@ void download(const ZBImageCut& cut, const std::string& address, const std::stri
 
 } // namespace
 
+void ZBImageModel::loadOnMain(std::optional<std::string_view> name, std::optional<std::string_view> date,
+                              std::function<void(const gfx::Image&)> show) {
+    auto loader = std::make_shared<ZBImageModel>();
+    // The loader rides along in the callback so that it lives as long as the request.
+    loader->taskWithName(name, date, [loader, show = std::move(show)](const gfx::Image& image, bool) {
+        sys::Queue::main().async([loader, show, image] {
+            if (show) show(image);
+            loader->cleanup();
+        });
+    });
+}
+
 void ZBImageModel::taskWithName(std::optional<std::string_view> name, std::optional<std::string_view> date,
                                 Callback local) {
     const gfx::Image resource = name ? ResourcePictures::named(*name) : gfx::Image();

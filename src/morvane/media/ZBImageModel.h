@@ -57,6 +57,12 @@ class ZBImageModel {
     // calls back there. Only http and https addresses are fetched.
     void urlPhoto(std::string_view address, std::string_view date, Callback local);
 
+    // What a view does with a picture it shows: load it with a loader of its
+    // own and hand it to `show` on the main queue, however the loader answers;
+    // then sweep the cache. `show` holds its view weakly and checks it.
+    static void loadOnMain(std::optional<std::string_view> name, std::optional<std::string_view> date,
+                           std::function<void(const gfx::Image&)> show);
+
     static gfx::Image maskedImage(const gfx::Image& image, const gfx::Color& color);
     // The cache sweep (ZBImageCut::cleanup).
     void cleanup() const { imageFM_.cleanup(); }
