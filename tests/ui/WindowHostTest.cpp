@@ -95,4 +95,15 @@ TEST(WindowHost, DrawsAFrameOnlyWhenSomethingChanged) {
         unsetenv("SDL_VIDEODRIVER");
 }
 
+// Without any display SDL falls back to drawing off screen by itself; that
+// is no window anyone can use, and the host must say so rather than run.
+TEST(WindowHost, NoDisplayIsNoWindow) {
+    for (const char* name : {"DISPLAY", "WAYLAND_DISPLAY", "SDL_VIDEODRIVER"})
+        unsetenv(name); // each test runs in a process of its own
+    ui::WindowHost host({.title = "test", .size = {100, 100}, .scale = 1});
+    EXPECT_FALSE(host.isOpen());
+    EXPECT_FALSE(host.error().empty());
+    EXPECT_FALSE(host.runOnce(0.01));
+}
+
 } // namespace
