@@ -1,20 +1,11 @@
 #include "ListsFixture.h"
 
-#include <morvane/gfx/ImageContext.h>
-#include <morvane/media/ResourcePictures.h>
-#include <morvane/media/ZBImageModel.h>
-#include <morvane/sys/App.h>
-#include <morvane/sys/Clock.h>
 #include <morvane/sys/Queue.h>
-#include <morvane/sys/RunLoop.h>
 #include <morvane/ui/Window.h>
 
 #include <fstream>
-#include <unistd.h>
 
 namespace morvane::test {
-
-namespace fs = std::filesystem;
 
 void configure(UITbl& list, const ListConfig& c) {
     list.cfg(c.image, c.header, c.body, c.price, c.sort, c.sortBy, c.ascending, c.cellHeight, c.numOfCol,
@@ -22,19 +13,7 @@ void configure(UITbl& list, const ListConfig& c) {
 }
 
 void ListsFixture::SetUp() {
-    const auto* info = testing::UnitTest::GetInstance()->current_test_info();
-    root = fs::temp_directory_path() /
-           ("morvane-lists-" + std::to_string(getpid()) + "-" + info->test_suite_name() + "-" + info->name());
-    fs::remove_all(root);
-    documents = root / "Documents";
-    resources = root / "Resources";
-    fs::create_directories(documents);
-    fs::create_directories(resources);
-    sys::App::setDocumentsFolder(documents);
-    sys::App::setResourceFolder(resources);
-    ResourcePictures::clearCache();
-    ZBImageModel::clearMemoryCache();
-
+    enterSandbox("lists");
     host = std::make_unique<ui::HeadlessHost>();
     list = std::make_shared<UITbl>(gfx::Rect(0, 0, 390, 844));
     host->root()->addSubview(list);
@@ -45,12 +24,7 @@ void ListsFixture::TearDown() {
     list.reset();
     sys::Queue::waitIdle();
     host.reset();
-    sys::RunLoop::main().discardPending();
-    sys::Clock::useReal();
-    sys::App::setDocumentsFolder({});
-    sys::App::setResourceFolder({});
-    std::error_code ignored;
-    fs::remove_all(root, ignored);
+    leaveSandbox();
 }
 
 std::vector<std::string> ListsFixture::rowKeys() const {
@@ -76,13 +50,6 @@ gfx::Point ListsFixture::rowCentre(int row) const {
 void ListsFixture::resourcePicture(const std::string& name, int width, int height,
                                    const gfx::Color& color) const {
     std::ofstream(resources / (name + ".png"), std::ios::binary) << pngBytes(width, height, color);
-}
-
-std::string pngBytes(int width, int height, const gfx::Color& color) {
-    gfx::ImageContext context(gfx::Size(width, height), gfx::Opacity::Transparent, 1);
-    context.canvas().fillRect(gfx::Rect(0, 0, width, height), color);
-    auto data = context.takeImage().pngData();
-    return std::string(data.begin(), data.end());
 }
 
 } // namespace morvane::test

@@ -1,7 +1,9 @@
 #pragma once
-// Shared by the list tests: a headless phone with a UITbl filling it, fresh
-// documents and resource folders (the picture cache writes there), and small
+// Shared by the list tests: a headless phone with a UITbl filling it, a fresh
+// application (see AppSandbox; the picture cache writes there), and small
 // helpers to reach rows and cells on screen.
+
+#include "AppSandbox.h"
 
 #include <morvane/gfx/Color.h>
 #include <morvane/gfx/Geometry.h>
@@ -34,7 +36,7 @@ struct ListConfig {
 };
 void configure(UITbl& list, const ListConfig& config);
 
-class ListsFixture : public testing::Test {
+class ListsFixture : public testing::Test, protected AppSandbox {
   protected:
     void SetUp() override;
     void TearDown() override;
@@ -47,15 +49,8 @@ class ListsFixture : public testing::Test {
     gfx::Point rowCentre(int row) const;
     // A PNG file of one colour in the resource folder, found by `name`.
     void resourcePicture(const std::string& name, int width, int height, const gfx::Color& color) const;
-
-    std::filesystem::path root;
-    std::filesystem::path documents;
-    std::filesystem::path resources;
     std::unique_ptr<ui::HeadlessHost> host;
     std::shared_ptr<UITbl> list;
 };
-
-// A one-colour picture, encoded as PNG.
-std::string pngBytes(int width, int height, const gfx::Color& color);
 
 } // namespace morvane::test

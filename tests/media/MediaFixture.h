@@ -1,7 +1,8 @@
 #pragma once
-// Shared by the picture tests: each test gets fresh documents and resource
-// folders, the UTC time zone and (where it asks) the manual clock; plus small
-// pictures made on the spot.
+// Shared by the picture tests: each test gets a fresh application (see
+// AppSandbox), the UTC time zone and (where it asks) the manual clock.
+
+#include "AppSandbox.h"
 
 #include <morvane/gfx/Color.h>
 #include <morvane/gfx/Image.h>
@@ -15,7 +16,7 @@
 
 namespace morvane::test {
 
-class MediaFixture : public testing::Test {
+class MediaFixture : public testing::Test, protected AppSandbox {
   protected:
     void SetUp() override;
     void TearDown() override;
@@ -27,16 +28,8 @@ class MediaFixture : public testing::Test {
 
     // Every regular file below the test's root folder, relative to it.
     std::vector<std::string> filesBelowRoot() const;
-
-    std::filesystem::path root;      // everything the test may touch
-    std::filesystem::path documents; // root/Documents
-    std::filesystem::path resources; // root/Resources
 };
 
-// A picture of one colour, or one with a transparent border around a square.
-gfx::Image solidImage(int width, int height, const gfx::Color& color, double scale = 1);
-std::string pngBytes(int width, int height, const gfx::Color& color);
-std::string jpegBytes(int width, int height, const gfx::Color& color);
 // A picture whose PNG does not shrink much: noise.
 gfx::Image noiseImage(int width, int height, unsigned seed = 1);
 
