@@ -1,21 +1,17 @@
 // Runs the gallery as built, the way the README's main job does, and checks
 // what it leaves: the pages, the screenshots they name, and nothing else.
 
+#include "Programs.h"
 #include "SanitizerSuppressions.h"
 
 #include <morvane/gfx/Image.h>
 
 #include <gtest/gtest.h>
 
-#include <sys/wait.h>
-
 #include <algorithm>
-#include <array>
-#include <cstdio>
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
-#include <sstream>
 #include <string>
 #include <vector>
 
@@ -25,24 +21,9 @@ namespace fs = std::filesystem;
 
 namespace {
 
-struct Outcome {
-    int status = -1;
-    std::string out; // standard output and error together
-};
-
-std::string quote(const std::string& arg) {
-    std::string out = "'";
-    for (char c : arg)
-        out += c == '\'' ? std::string("'\\''") : std::string(1, c);
-    return out + "'";
-}
-
-std::string readFile(const fs::path& path) {
-    std::ifstream in(path, std::ios::binary);
-    std::ostringstream text;
-    text << in.rdbuf();
-    return text.str();
-}
+using morvane::test::Outcome;
+using morvane::test::readFile;
+using morvane::test::shellQuote;
 
 // A fresh folder per test, which is also the gallery's temporary folder, so
 // the test sees whether the run cleaned up after itself.
@@ -63,23 +44,13 @@ class GalleryRun : public ::testing::Test {
 
     // `environment` is put in front of the command ("NAME=value ...").
     Outcome run(const std::vector<std::string>& args, const std::string& environment = "") {
-        std::string command = "TMPDIR=" + quote((dir_ / "tmp").string()) +
-                              " LSAN_OPTIONS=suppressions=" + quote((dir_ / "leaks.supp").string()) +
-                              " TSAN_OPTIONS=suppressions=" + quote((dir_ / "races.supp").string()) + " " +
-                              environment + " " + quote(MORVANE_GALLERY_BINARY);
+        std::string command = "TMPDIR=" + shellQuote((dir_ / "tmp").string()) +
+                              " LSAN_OPTIONS=suppressions=" + shellQuote((dir_ / "leaks.supp").string()) +
+                              " TSAN_OPTIONS=suppressions=" + shellQuote((dir_ / "races.supp").string()) +
+                              " " + environment + " " + shellQuote(MORVANE_GALLERY_BINARY);
         for (const auto& arg : args)
-            command += " " + quote(arg);
-        command += " 2>&1";
-        Outcome result;
-        FILE* pipe = ::popen(command.c_str(), "r");
-        if (!pipe) return result;
-        std::array<char, 4096> buffer;
-        std::size_t n;
-        while ((n = std::fread(buffer.data(), 1, buffer.size(), pipe)) > 0)
-            result.out.append(buffer.data(), n);
-        const int status = ::pclose(pipe);
-        result.status = WIFEXITED(status) ? WEXITSTATUS(status) : -1;
-        return result;
+            command += " " + shellQuote(arg);
+        return morvane::test::runCommand(command);
     }
 
     fs::path dir_;

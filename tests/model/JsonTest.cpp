@@ -1,3 +1,5 @@
+#include "Programs.h"
+
 #include <morvane/model/Json.h>
 #include <morvane/model/List.h>
 #include <morvane/model/Node.h>
@@ -6,20 +8,12 @@
 
 #include <cmath>
 #include <filesystem>
-#include <fstream>
 #include <limits>
-#include <sstream>
 
 using namespace morvane;
+using morvane::test::readFile;
 
 namespace {
-
-std::string readFile(const std::string& path) {
-    std::ifstream in(path, std::ios::binary);
-    std::ostringstream out;
-    out << in.rdbuf();
-    return out.str();
-}
 
 std::string roundTrip(std::string_view text, json::Layout layout = json::Layout::Compact) {
     auto result = json::read(text);

@@ -1,10 +1,8 @@
+#include "Programs.h"
+
 #include <gtest/gtest.h>
 
-#include <sys/wait.h>
-
 #include <algorithm>
-#include <array>
-#include <cstdio>
 #include <filesystem>
 #include <fstream>
 #include <string>
@@ -14,17 +12,8 @@
 
 namespace {
 
-struct Outcome {
-    int status;
-    std::string out; // standard output and error together
-};
-
-std::string quote(const std::string& arg) {
-    std::string out = "'";
-    for (char c : arg)
-        out += c == '\'' ? std::string("'\\''") : std::string(1, c);
-    return out + "'";
-}
+using morvane::test::Outcome;
+using morvane::test::shellQuote;
 
 class MorvaneTree : public ::testing::Test {
   protected:
@@ -44,20 +33,11 @@ class MorvaneTree : public ::testing::Test {
 
     // Runs the tool with `input` on standard input.
     Outcome run(const std::vector<std::string>& args, const std::string& input = "") {
-        std::string command = quote(MORVANE_TREE_BINARY);
+        std::string command = shellQuote(MORVANE_TREE_BINARY);
         for (const auto& arg : args)
-            command += " " + quote(arg);
-        command += " < " + quote(file("stdin.json", input)) + " 2>&1";
-        FILE* pipe = ::popen(command.c_str(), "r");
-        Outcome result{-1, {}};
-        if (!pipe) return result;
-        std::array<char, 4096> buffer;
-        std::size_t n;
-        while ((n = std::fread(buffer.data(), 1, buffer.size(), pipe)) > 0)
-            result.out.append(buffer.data(), n);
-        const int status = ::pclose(pipe);
-        result.status = WIFEXITED(status) ? WEXITSTATUS(status) : -1;
-        return result;
+            command += " " + shellQuote(arg);
+        command += " < " + shellQuote(file("stdin.json", input));
+        return morvane::test::runCommand(command);
     }
 
     std::filesystem::path dir_;
