@@ -58,8 +58,7 @@ int Tour::run() {
     const std::string intro =
         "A scripted tour of the Morvane gallery: the venues of " + gallery_.data().city() +
         " in a table list, with pictures served by the gallery's own loopback server, downloaded and cached "
-        "by "
-        "the kit, and texts marked for translation shown in French. " +
+        "by the kit, and texts marked for translation shown in French. " +
         std::to_string(gallery_.translator()->answered()) + " texts were translated during the run.";
     if (!writeIndex(options_.out, "Morvane gallery: " + gallery_.data().city(), intro, shots_, &why)) {
         std::cerr << "gallery: " << why << "\n";
