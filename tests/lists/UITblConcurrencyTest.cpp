@@ -41,8 +41,6 @@ TEST_F(UITblThreadsTest, TranslationsFromOtherThreadsLandOnTheMainThread) {
     host->runUntilIdle();
     auto cell = cellAt(0);
     ASSERT_EQ(completions.size(), 2u);
-    EXPECT_EQ(cell->headLbl()->text(), "Spot");
-    EXPECT_EQ(cell->bodyLbl()->text(), "");
 
     std::thread([&] { completions[1]("Calm"); }).join();
     EXPECT_EQ(cell->bodyLbl()->text(), "") << "nothing lands before the main queue runs it";

@@ -9,9 +9,6 @@
 
 #include <gtest/gtest.h>
 
-#include <fstream>
-#include <mutex>
-
 using namespace morvane;
 using morvane::test::kJan2024;
 using morvane::test::LoopbackServer;
@@ -21,20 +18,7 @@ namespace fs = std::filesystem;
 
 namespace {
 
-struct Calls {
-    std::mutex mutex;
-    std::vector<std::pair<gfx::Image, std::string>> seen;
-    HPhotoLoad::Callback callback() {
-        return [this](const gfx::Image& image, const std::string& name) {
-            std::lock_guard lock(mutex);
-            seen.emplace_back(image, name);
-        };
-    }
-    std::size_t count() {
-        std::lock_guard lock(mutex);
-        return seen.size();
-    }
-};
+using Calls = morvane::test::Recorder<std::string>;
 
 class HPhotoLoadTest : public MediaFixture {
   protected:
@@ -68,7 +52,7 @@ TEST_F(HPhotoLoadTest, ErrorNamesCarryTheMoment) {
 // Resource pictures come back tinted with the loader's colour and the name;
 // a text that is neither a resource nor an address gives no image.
 TEST_F(HPhotoLoadTest, ResourcesAreTintedAndUnknownNamesGiveNoImage) {
-    std::ofstream(resources / "pin.png", std::ios::binary) << pngBytes(4, 4, gfx::Color::redColor());
+    resourcePicture("pin", 4, 4, gfx::Color::redColor());
     Calls calls;
     HPhotoLoad loader(gfx::Color::greenColor());
     loader.taskWithName("pin", std::nullopt, calls.callback());

@@ -11,7 +11,10 @@
 #include <gtest/gtest.h>
 
 #include <filesystem>
+#include <mutex>
 #include <string>
+#include <thread>
+#include <utility>
 #include <vector>
 
 namespace morvane::test {
@@ -26,8 +29,31 @@ class MediaFixture : public testing::Test, protected AppSandbox {
     // Moves the manual clock on.
     void advance(double seconds);
 
+    // A PNG file of one colour in the resource folder, found by `name`.
+    void resourcePicture(const std::string& name, int width, int height, const gfx::Color& color) const;
     // Every regular file below the test's root folder, relative to it.
     std::vector<std::string> filesBelowRoot() const;
+};
+
+// Collects a loader's callbacks from any thread: each picture with the
+// callback's second argument, and how many ran on the thread that made it.
+template <class Extra> struct Recorder {
+    std::mutex mutex;
+    std::vector<std::pair<gfx::Image, Extra>> seen;
+    int onCallerThread = 0;
+    const std::thread::id caller = std::this_thread::get_id();
+
+    auto callback() {
+        return [this](const gfx::Image& image, Extra extra) {
+            std::lock_guard lock(mutex);
+            seen.emplace_back(image, std::move(extra));
+            onCallerThread += std::this_thread::get_id() == caller;
+        };
+    }
+    std::size_t count() {
+        std::lock_guard lock(mutex);
+        return seen.size();
+    }
 };
 
 // A picture whose PNG does not shrink much: noise.
