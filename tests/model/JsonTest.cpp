@@ -223,18 +223,7 @@ TEST(Json, nesting_is_capped_with_a_clear_error) {
     GTEST_SKIP() << "no shared sample data in " MORVANE_SHARED_DATA_DIR                                      \
                     "/json (configure with -DMORVANE_SHARED_DATA_DIR=...)"
 
-TEST(Json, truncations_of_a_real_document_all_fail_cleanly) {
-    SKIP_WITHOUT_SHARED_DATA();
-    const std::string text = readFile(MORVANE_SHARED_DATA_DIR "/json/github_events.json");
-    ASSERT_GT(text.size(), 1000u);
-    ASSERT_TRUE(json::read(text));
-    for (std::size_t cut = 0; cut < text.size(); cut += 97) {
-        // Only a cut right after the root's closing bracket would be valid.
-        EXPECT_FALSE(json::read(std::string_view(text).substr(0, cut))) << cut;
-    }
-}
-
-TEST(Json, sample_documents_survive_a_round_trip) {
+TEST(Json, sample_documents_survive_a_round_trip_and_their_truncations_fail_cleanly) {
     SKIP_WITHOUT_SHARED_DATA();
     for (const char* name : {"canada", "citm_catalog", "github_events", "twitter"}) {
         const std::string text = readFile(std::string(MORVANE_SHARED_DATA_DIR "/json/") + name + ".json");
@@ -250,6 +239,11 @@ TEST(Json, sample_documents_survive_a_round_trip) {
         json::ReadOptions lenient;
         lenient.syntax = json::Syntax::Lenient;
         EXPECT_TRUE(json::parse(text, lenient) == first.value) << name;
+        // Only a cut right after the root's closing bracket would be valid.
+        if (std::string_view(name) == "github_events") {
+            for (std::size_t cut = 0; cut < text.size(); cut += 97)
+                EXPECT_FALSE(json::read(std::string_view(text).substr(0, cut))) << cut;
+        }
     }
 }
 
