@@ -11,7 +11,7 @@ using namespace morvane::testing;
 
 // Catches separators in the wrong place: doubled for an element that gives
 // nothing, or at the start or end.
-TEST(GatherPull, list_gathering_joins_pieces_with_the_separator_only_between_them) {
+TEST(GatherPull, list_gathering_puts_the_separator_only_between_pieces) {
     auto choices = list({node({{"$selection", "Tea"}}), node({{"other", "x"}}), Value("loose"),
                          node({{"$selection", "Cake"}})});
     EXPECT_EQ(choices->gatherArrayText("$selection", "  ", "\n"), "  Tea\n  Cake");
@@ -105,13 +105,10 @@ TEST(GatherPull, pull_it_fills_the_template_in_place) {
     EXPECT_EQ(templ->get("joined").textOr(), "555 / Paris");
     EXPECT_EQ(templ->get("none").textOr(), "");
     EXPECT_EQ(templ->get("number").number(), 7);
-}
-
-TEST(GatherPull, pull_it_path_miss_then_hit_sets_the_entry_again) {
-    auto source = node({{"city", "Paris"}});
-    auto templ = node({{"t", "zz:city"}});
-    source->pullIt(templ, "");
-    EXPECT_EQ(templ->get("t").textOr(), "Paris");
+    // A path that misses and then hits sets the entry again.
+    auto again = node({{"t", "zz:city"}});
+    source->pullIt(again, "");
+    EXPECT_EQ(again->get("t").textOr(), "Paris");
 }
 
 // An empty found text: pullTxt puts the gap only after a non-empty text so

@@ -37,13 +37,11 @@ TEST(ListRecords, finds_scan_from_the_end_or_from_the_start) {
     EXPECT_EQ(named->findObjContains("name", "tea")->get("name").textOr(), "Black TEA");
     EXPECT_EQ(named->findObjContains("name", ""), nullptr);
     EXPECT_EQ(list()->findObj("f", "A"), nullptr);
-}
 
-TEST(ListRecords, count_item_counts_distinct_values) {
-    auto records = list({rec("1", "A"), rec("2", "B"), rec("3", "A"), node({{"id", "4"}}),
-                         node({{"f", Value(1)}}), node({{"f", "1"}}), node({{"f", Value(1.0)}})});
-    // A, B, the number 1 and the text "1".
-    EXPECT_EQ(records->countItem("f"), 4);
+    // Distinct values: A, B, the number 1 and the text "1".
+    auto mixed = list({rec("1", "A"), rec("2", "B"), rec("3", "A"), node({{"id", "4"}}),
+                       node({{"f", Value(1)}}), node({{"f", "1"}}), node({{"f", Value(1.0)}})});
+    EXPECT_EQ(mixed->countItem("f"), 4);
     EXPECT_EQ(list()->countItem("f"), 0);
 }
 
@@ -133,14 +131,12 @@ TEST(ListRecords, sorts_by_field) {
     EXPECT_EQ(texts->findText("c", true), -1);
     EXPECT_EQ(records->findIdx(Value("a"), "f", true), 2);
     EXPECT_EQ(temp->findIdx(Value("b"), "f", false), 2); // temp is c, b, a, a
-}
 
-// The exchange sort's own order of equal values: position i swaps with every
-// later smaller value, so a, then two equal b records, come out reordered.
-TEST(ListRecords, exchange_sort_order_of_equal_values_is_its_own) {
-    auto records = list({rec("1", "b"), rec("2", "b"), rec("3", "a")});
-    records->sort("f", true);
-    EXPECT_EQ(fieldsOf(records, "id"), (std::vector<std::string>{"3", "2", "1"}));
+    // The exchange sort swaps position i with every later smaller value, so
+    // two equal records come out reordered.
+    auto equal = list({rec("1", "b"), rec("2", "b"), rec("3", "a")});
+    equal->sort("f", true);
+    EXPECT_EQ(fieldsOf(equal, "id"), (std::vector<std::string>{"3", "2", "1"}));
 }
 
 TEST(ListRecords, keyed_node_names_records_by_position_and_label) {
@@ -157,13 +153,11 @@ TEST(ListRecords, keyed_node_names_records_by_position_and_label) {
     auto keys = keysOf(List::make(many)->toDictionary("f"));
     EXPECT_EQ(keys[25], "Z25-x");
     EXPECT_EQ(keys[26], "[26-x"); // past Z the character runs on
-}
 
-TEST(ListRecords, split_string_keeps_a_text_without_the_separator) {
-    auto host = list();
-    EXPECT_EQ(host->splitString("1-Breakfast", "-"), "Breakfast");
-    EXPECT_EQ(host->splitString("Dinner", "-"), "Dinner");
-    EXPECT_EQ(host->splitString("a--b", "-"), "b");
+    // The label is the part after the first separator, or the whole text.
+    EXPECT_EQ(records->splitString("1-Breakfast", "-"), "Breakfast");
+    EXPECT_EQ(records->splitString("Dinner", "-"), "Dinner");
+    EXPECT_EQ(records->splitString("a--b", "-"), "b");
 }
 
 TEST(ListRecords, date_stamp_is_hours_minutes_and_three_digit_seconds) {

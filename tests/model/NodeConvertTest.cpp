@@ -33,13 +33,8 @@ TEST(NodeConvert, mutable_key_stamps_the_paths_of_text_holding_nodes) {
     EXPECT_EQ(l->at(3).textOr(), "loose");
     EXPECT_EQ(l->at(4).list()->at(0).node()->get("key").textOr(), "/l[0]");
 
-    // The source is not touched.
-    EXPECT_FALSE(tree->get("a").node()->has("key"));
-}
-
-TEST(NodeConvert, mutable_key_with_a_root_path_prefixes_it) {
-    auto copy = node({{"menu", node({{"t", "x"}})}})->mutableKey("root");
-    EXPECT_EQ(copy->get("menu").node()->get("key").textOr(), "root/menu");
+    EXPECT_FALSE(tree->get("a").node()->has("key")); // the source is not touched
+    EXPECT_EQ(tree->mutableKey("root")->get("a").node()->get("key").textOr(), "root/a");
 }
 
 TEST(NodeConvert, mutable_change_copies_texts_nodes_and_lists_into_mutable_nodes) {

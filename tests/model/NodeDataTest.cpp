@@ -64,18 +64,13 @@ TEST(NodeData, sorts_keep_equal_values_in_iteration_order) {
     auto numbers = node({{"x", node({{"n", Value(10)}})}, {"y", node({{"n", Value(9)}})}});
     // Numbers sort by their decimal text: "10" < "9".
     EXPECT_EQ(fieldsOf(numbers->toSortArrayAtField("n"), "n"), (std::vector<std::string>{"10", "9"}));
-}
+    // Sorting by key overwrites an earlier stamp.
+    auto stamped = node({{"b", node({{"key", "old"}})}, {"a", Node::make()}});
+    EXPECT_EQ(fieldsOf(stamped->toSortArray(true), "key"), (std::vector<std::string>{"a", "b"}));
 
-TEST(NodeData, sort_by_key_overwrites_an_earlier_key_stamp) {
-    auto tree = node({{"b", node({{"key", "old"}})}, {"a", Node::make()}});
-    auto sorted = tree->toSortArray(true);
-    EXPECT_EQ(fieldsOf(sorted, "key"), (std::vector<std::string>{"a", "b"}));
-}
-
-TEST(NodeData, sorted_key_value_texts) {
-    auto tree = node({{"b", "2"}, {"a", "1"}, {"c", Value(3)}});
-    EXPECT_EQ(textsOf(tree->toSortArrayTxt(true)), (std::vector<std::string>{"a: 1", "b: 2", "c: 3"}));
-    EXPECT_EQ(textsOf(tree->toSortArrayTxt(false)), (std::vector<std::string>{"c: 3", "b: 2", "a: 1"}));
+    auto texts = node({{"b", "2"}, {"a", "1"}, {"c", Value(3)}});
+    EXPECT_EQ(textsOf(texts->toSortArrayTxt(true)), (std::vector<std::string>{"a: 1", "b: 2", "c: 3"}));
+    EXPECT_EQ(textsOf(texts->toSortArrayTxt(false)), (std::vector<std::string>{"c: 3", "b: 2", "a: 1"}));
     EXPECT_TRUE(Node::make()->toSortArrayTxt(true)->empty());
 }
 

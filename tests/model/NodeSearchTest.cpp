@@ -127,11 +127,3 @@ TEST(NodeSearch, node_search_tests_read_only_children_of_a_mutable_node_second) 
     auto order = node({{"a", node({{"menu", rwHit}})}, {"menu", roHit}});
     EXPECT_EQ(order->nodeKey("menu"), rwHit);
 }
-
-TEST(NodeSearch, is_match_is_case_free_exact_or_like) {
-    auto host = Node::make();
-    EXPECT_TRUE(host->isMatch("Drinks", "drinks", true));
-    EXPECT_FALSE(host->isMatch("Drinks", "ink", true));
-    EXPECT_TRUE(host->isMatch("Drinks", "INK", false));
-    EXPECT_FALSE(host->isMatch("ink", "Drinks", false));
-}

@@ -41,6 +41,8 @@ TEST(TextMatch, case_free_matching_lowercases_unicode) {
     EXPECT_TRUE(tree->isMatch("ÀLA", "àla", true));
     EXPECT_TRUE(tree->isMatch("Grand Café", "CAFÉ", false));
     EXPECT_FALSE(tree->isMatch("Café", "Cafe", true));
+    EXPECT_FALSE(tree->isMatch("Drinks", "ink", true));  // exact is the whole key
+    EXPECT_FALSE(tree->isMatch("ink", "Drinks", false)); // like looks in the key
     // A non-ASCII key can lowercase to ASCII (the Kelvin sign becomes "k").
     EXPECT_TRUE(tree->isMatch("\u212Aelvin", "kelvin", true));
     EXPECT_TRUE(tree->isMatch("\u212Aelvin", "KEL", false));

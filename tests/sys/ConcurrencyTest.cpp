@@ -91,7 +91,6 @@ TEST(Posting, SerialQueueRunsOneBlockAtATimeInOrder) {
     Queue& queue = Queue::serial("myQueue");
     EXPECT_EQ(&queue, &Queue::serial("myQueue"));
     EXPECT_NE(&queue, &Queue::serial("otherQueue"));
-    EXPECT_EQ(queue.label(), "myQueue");
     std::vector<int> order;
     std::atomic<bool> wrongQueue{false};
     std::vector<std::thread> posters;

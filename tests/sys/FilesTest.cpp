@@ -2,6 +2,8 @@
 #include <morvane/sys/Files.h>
 #include <morvane/sys/RunLoop.h>
 
+#include "AppSandbox.h"
+
 #include <gtest/gtest.h>
 
 #include <chrono>
@@ -18,19 +20,13 @@ namespace fs = std::filesystem;
 
 namespace {
 
-class FilesTest : public ::testing::Test {
+class FilesTest : public ::testing::Test, protected morvane::test::AppSandbox {
   protected:
     void SetUp() override {
-        folder =
-            fs::temp_directory_path() / ("morvane-files-" + std::to_string(getpid()) + "-" +
-                                         ::testing::UnitTest::GetInstance()->current_test_info()->name());
-        fs::remove_all(folder);
-        ASSERT_TRUE(Files::createFolder(folder));
+        enterSandbox("files");
+        folder = documents; // empty at the start
     }
-    void TearDown() override {
-        Clock::useReal();
-        fs::remove_all(folder);
-    }
+    void TearDown() override { leaveSandbox(); }
     std::vector<std::string> names(const fs::path& where) {
         std::vector<std::string> result;
         for (auto& entry : fs::directory_iterator(where))

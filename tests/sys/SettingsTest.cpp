@@ -4,6 +4,8 @@
 #include <morvane/sys/Log.h>
 #include <morvane/sys/Settings.h>
 
+#include "AppSandbox.h"
+
 #include <gtest/gtest.h>
 
 #include <csignal>
@@ -21,16 +23,26 @@ namespace fs = std::filesystem;
 
 namespace {
 
-class SettingsTest : public ::testing::Test {
+class SettingsTest : public ::testing::Test, protected morvane::test::AppSandbox {
   protected:
     void SetUp() override {
-        folder =
-            fs::temp_directory_path() / ("morvane-settings-" + std::to_string(getpid()) + "-" +
-                                         ::testing::UnitTest::GetInstance()->current_test_info()->name());
-        fs::remove_all(folder);
+        enterSandbox("settings");
+        folder = root;
         file = folder / "data" / "Settings.sqlite";
     }
-    void TearDown() override { fs::remove_all(folder); }
+    void TearDown() override { leaveSandbox(); }
+
+    // Opening the damaged file says so once, keeps it aside and starts empty.
+    void expectMovedAsideAndReplaced() {
+        Log::Capture log;
+        Settings store(file);
+        ASSERT_EQ(log.texts().size(), 1u);
+        EXPECT_NE(log.texts()[0].find("damaged"), std::string::npos) << log.texts()[0];
+        EXPECT_EQ(asideFiles().size(), 1u);
+        EXPECT_TRUE(store.keys().empty());
+        EXPECT_TRUE(store.setText("after", "recovery"));
+        EXPECT_EQ(Settings(file).text("after"), "recovery");
+    }
 
     std::vector<std::string> asideFiles() {
         std::vector<std::string> result;
@@ -144,13 +156,7 @@ TEST_F(SettingsTest, SavesThatReturnedSurviveAKilledWriter) {
 TEST_F(SettingsTest, AFileThatIsNotAStoreIsMovedAsideAndReplaced) {
     fs::create_directories(file.parent_path());
     std::ofstream(file) << std::string(8192, 'Z');
-    Log::Capture log;
-    Settings store(file);
-    ASSERT_EQ(log.texts().size(), 1u);
-    EXPECT_NE(log.texts()[0].find("damaged"), std::string::npos);
-    EXPECT_EQ(asideFiles().size(), 1u);
-    EXPECT_TRUE(store.setText("fresh", "start"));
-    EXPECT_EQ(Settings(file).text("fresh"), "start");
+    expectMovedAsideAndReplaced();
 }
 
 // Damage inside an otherwise valid database (a torn page) is found by the
@@ -168,14 +174,7 @@ TEST_F(SettingsTest, AStoreWithDamagedPagesIsMovedAsideAndReplaced) {
         std::string garbage(2 * 4096, '\x5a');
         damage.write(garbage.data(), std::streamsize(garbage.size()));
     }
-    Log::Capture log;
-    Settings store(file);
-    ASSERT_EQ(log.texts().size(), 1u);
-    EXPECT_NE(log.texts()[0].find("damaged"), std::string::npos) << log.texts()[0];
-    EXPECT_EQ(asideFiles().size(), 1u);
-    EXPECT_TRUE(store.keys().empty());
-    EXPECT_TRUE(store.setText("after", "recovery"));
-    EXPECT_EQ(store.text("after"), "recovery");
+    expectMovedAsideAndReplaced();
 }
 
 TEST_F(SettingsTest, AStoreThatCannotBeOpenedWorksInMemoryForTheRun) {
