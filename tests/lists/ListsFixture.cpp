@@ -3,8 +3,6 @@
 #include <morvane/sys/Queue.h>
 #include <morvane/ui/Window.h>
 
-#include <fstream>
-
 namespace morvane::test {
 
 void configure(UITbl& list, const ListConfig& c) {
@@ -45,11 +43,6 @@ std::shared_ptr<UITblCell> ListsFixture::cellAt(int row) const {
 gfx::Point ListsFixture::rowCentre(int row) const {
     const auto& table = list->tbl();
     return table->convertRectTo(table->rectForRow(ui::IndexPath::forRow(row)), nullptr).center();
-}
-
-void ListsFixture::resourcePicture(const std::string& name, int width, int height,
-                                   const gfx::Color& color) const {
-    std::ofstream(resources / (name + ".png"), std::ios::binary) << pngBytes(width, height, color);
 }
 
 } // namespace morvane::test

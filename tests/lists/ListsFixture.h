@@ -47,8 +47,6 @@ class ListsFixture : public testing::Test, protected AppSandbox {
     std::shared_ptr<UITblCell> cellAt(int row) const;
     // The row's centre in window coordinates.
     gfx::Point rowCentre(int row) const;
-    // A PNG file of one colour in the resource folder, found by `name`.
-    void resourcePicture(const std::string& name, int width, int height, const gfx::Color& color) const;
     std::unique_ptr<ui::HeadlessHost> host;
     std::shared_ptr<UITbl> list;
 };

@@ -4,7 +4,6 @@
 #include <morvane/sys/RunLoop.h>
 #include <morvane/util/Dates.h>
 
-#include <fstream>
 #include <random>
 
 namespace morvane::test {
@@ -27,11 +26,6 @@ void MediaFixture::useManualClock(sys::Date start) {
 
 void MediaFixture::advance(double seconds) {
     sys::RunLoop::main().advance(seconds);
-}
-
-void MediaFixture::resourcePicture(const std::string& name, int width, int height,
-                                   const gfx::Color& color) const {
-    std::ofstream(resources / (name + ".png"), std::ios::binary) << pngBytes(width, height, color);
 }
 
 std::vector<std::string> MediaFixture::filesBelowRoot() const {

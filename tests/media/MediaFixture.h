@@ -29,8 +29,6 @@ class MediaFixture : public testing::Test, protected AppSandbox {
     // Moves the manual clock on.
     void advance(double seconds);
 
-    // A PNG file of one colour in the resource folder, found by `name`.
-    void resourcePicture(const std::string& name, int width, int height, const gfx::Color& color) const;
     // Every regular file below the test's root folder, relative to it.
     std::vector<std::string> filesBelowRoot() const;
 };

@@ -10,6 +10,8 @@
 
 #include <gtest/gtest.h>
 
+#include <fstream>
+
 #include <unistd.h>
 
 namespace morvane::test {
@@ -39,6 +41,11 @@ void AppSandbox::leaveSandbox() {
     sys::App::setResourceFolder({});
     std::error_code ignored;
     fs::remove_all(root, ignored);
+}
+
+void AppSandbox::resourcePicture(const std::string& name, int width, int height,
+                                 const gfx::Color& color) const {
+    std::ofstream(resources / (name + ".png"), std::ios::binary) << pngBytes(width, height, color);
 }
 
 gfx::Image solidImage(int width, int height, const gfx::Color& color, double scale) {

@@ -19,6 +19,8 @@ class AppSandbox {
     // `prefix` names the suite in the root folder's name.
     void enterSandbox(std::string_view prefix);
     void leaveSandbox();
+    // A PNG file of one colour in the resource folder, found by `name`.
+    void resourcePicture(const std::string& name, int width, int height, const gfx::Color& color) const;
 
     std::filesystem::path root;      // everything the test may touch
     std::filesystem::path documents; // root/Documents
