@@ -194,7 +194,7 @@ bool UITbl::hasFld(const ListPtr& list, std::string_view key) const {
 
 void UITbl::sortArray(const ListPtr& list, std::string_view key, bool ascend) const {
     if (!list || list->size() < 2 || list->isReadOnly()) return;
-    std::vector<Value>& items = list->items();
+    Values& items = list->items();
     // The values never change while the rows move, so each row is searched once.
     std::vector<Value> found(items.size());
     detail::SortKeys keys(items.size());
@@ -209,7 +209,7 @@ void UITbl::sortArray(const ListPtr& list, std::string_view key, bool ascend) co
     sorted.reserve(items.size());
     for (std::size_t index : order)
         sorted.push_back(std::move(items[index]));
-    items = std::move(sorted);
+    items.assign(std::move(sorted));
 }
 
 void UITbl::swap(long i, long j) {

@@ -58,7 +58,7 @@ class TreeBuilder {
     bool EndObject(rapidjson::SizeType count) {
         const std::size_t keyStart = keys_.size() - count;
         const std::size_t valueStart = values_.size() - count;
-        auto node = std::make_shared<Node>();
+        NodePtr node = Node::make();
         node->reserve(count);
         for (std::size_t i = 0; i < count; ++i) {
             std::string& key = keys_[keyStart + i];
@@ -78,11 +78,10 @@ class TreeBuilder {
 
     bool EndArray(rapidjson::SizeType count) {
         const std::size_t start = values_.size() - count;
-        std::vector<Value> items(
-            std::make_move_iterator(values_.begin() + static_cast<std::ptrdiff_t>(start)),
-            std::make_move_iterator(values_.end()));
+        ListPtr list = List::withCapacity(count);
+        for (std::size_t i = start; i < values_.size(); ++i)
+            list->items().push_back(std::move(values_[i]));
         values_.resize(start);
-        auto list = std::make_shared<List>(std::move(items));
         list->setReadOnly(readOnly_);
         --depth_;
         return add(Value(std::move(list)));
@@ -150,7 +149,7 @@ class FastConverter {
         switch (element.type()) {
         case element_type::OBJECT: {
             const auto object = element.get_object().value_unsafe();
-            auto node = std::make_shared<Node>();
+            NodePtr node = Node::make();
             node->reserve(object.size());
             for (const auto field : object) {
                 if (node->has(field.key)) // duplicate: last value, first position
@@ -163,11 +162,9 @@ class FastConverter {
         }
         case element_type::ARRAY: {
             const auto array = element.get_array().value_unsafe();
-            std::vector<Value> items;
-            items.reserve(array.size());
+            ListPtr list = List::withCapacity(array.size());
             for (const auto item : array)
-                items.push_back(convert(item));
-            auto list = std::make_shared<List>(std::move(items));
+                list->items().push_back(convert(item));
             list->setReadOnly(readOnly_);
             return Value(std::move(list));
         }

@@ -1,9 +1,139 @@
 #include <morvane/model/List.h>
+#include <morvane/model/detail/BlockPool.h>
+
+#include <algorithm>
+#include <new>
+#include <stdexcept>
 
 namespace morvane {
 
 namespace {
 const Value kAbsent;
+constexpr std::size_t kMaxElements = (std::size_t{1} << 31) - 1;
+} // namespace
+
+// ---- Values ----------------------------------------------------------------
+
+Values::~Values() {
+    clear();
+    if (ownsBuffer_) ::operator delete(data_);
+}
+
+void Values::grow(std::size_t needed) {
+    if (needed > kMaxElements) throw std::length_error("a list holds at most 2^31 - 1 elements");
+    const std::size_t capacity =
+        std::min(kMaxElements, std::max<std::size_t>({needed, std::size_t{2} * capacity_, 4}));
+    auto* buffer = static_cast<Value*>(::operator new(capacity * sizeof(Value)));
+    for (std::uint32_t i = 0; i < size_; ++i) {
+        std::construct_at(buffer + i, std::move(data_[i]));
+        std::destroy_at(data_ + i);
+    }
+    if (ownsBuffer_) ::operator delete(data_);
+    data_ = buffer;
+    capacity_ = static_cast<std::uint32_t>(capacity);
+    ownsBuffer_ = 1;
+}
+
+void Values::reserve(std::size_t count) {
+    if (count > capacity_) grow(count);
+}
+
+Values::iterator Values::insert(const_iterator position, Value value) {
+    const std::size_t at = static_cast<std::size_t>(position - data_);
+    emplace_back(std::move(value));
+    std::rotate(data_ + at, data_ + size_ - 1, data_ + size_);
+    return data_ + at;
+}
+
+Values::iterator Values::erase(const_iterator position) {
+    return erase(position, position + 1);
+}
+
+Values::iterator Values::erase(const_iterator first, const_iterator last) {
+    Value* from = data_ + (first - data_);
+    Value* to = data_ + (last - data_);
+    if (from == to) return from;
+    Value* end = std::move(to, data_ + size_, from);
+    std::destroy(end, data_ + size_);
+    size_ = static_cast<std::uint32_t>(end - data_);
+    return from;
+}
+
+void Values::clear() noexcept {
+    std::destroy(data_, data_ + size_);
+    size_ = 0;
+}
+
+void Values::assign(std::vector<Value>&& values) {
+    clear();
+    reserve(values.size());
+    for (Value& value : values)
+        emplace_back(std::move(value));
+}
+
+// ---- List ------------------------------------------------------------------
+
+void refRetain(const List* list) noexcept {
+    list->retainRef();
+}
+
+void refRelease(const List* list) noexcept {
+    if (list->releaseRef()) List::destroy(list);
+}
+
+long refCount(const List* list) noexcept {
+    return list->refCount();
+}
+
+static_assert(sizeof(List) % alignof(Value) == 0, "a list's own elements follow it in its block");
+
+List* List::allocate(std::size_t count) {
+    count = std::min(count, kMaxElements);
+    void* block = detail::allocateBlock(sizeof(List) + count * sizeof(Value));
+    List* list = ::new (block) List();
+    list->items_.data_ = reinterpret_cast<Value*>(static_cast<char*>(block) + sizeof(List));
+    list->items_.capacity_ = static_cast<std::uint32_t>(count);
+    list->inlineCapacity_ = static_cast<std::uint32_t>(count);
+    return list;
+}
+
+void List::destroy(const List* list) noexcept {
+    List* owned = const_cast<List*>(list);
+    const std::size_t size = sizeof(List) + owned->inlineCapacity_ * sizeof(Value);
+    owned->~List();
+    detail::freeBlock(owned, size);
+}
+
+List::List(std::initializer_list<Value> items) {
+    items_.reserve(items.size());
+    for (const Value& value : items)
+        items_.push_back(value);
+}
+
+List::List(std::vector<Value> items) {
+    items_.assign(std::move(items));
+}
+
+ListPtr List::make() {
+    return ListPtr(allocate(0), ListPtr::Adopt{});
+}
+
+ListPtr List::make(std::initializer_list<Value> items) {
+    ListPtr list(allocate(items.size()), ListPtr::Adopt{});
+    for (const Value& value : items)
+        list->items_.push_back(value);
+    return list;
+}
+
+ListPtr List::make(std::vector<Value> items) {
+    ListPtr list(allocate(items.size()), ListPtr::Adopt{});
+    for (Value& value : items)
+        list->items_.push_back(std::move(value));
+    return list;
+}
+
+ListPtr List::withCapacity(std::size_t count) {
+    return ListPtr(allocate(count), ListPtr::Adopt{});
 }
 
 const Value& List::at(std::size_t index) const {
@@ -39,7 +169,10 @@ void List::clear() {
 }
 
 ListPtr List::shallowCopy() const {
-    return List::make(items_);
+    ListPtr copy = withCapacity(items_.size());
+    for (const Value& value : items_)
+        copy->items_.push_back(value);
+    return copy;
 }
 
 bool List::equals(const List& other) const {

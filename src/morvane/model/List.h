@@ -7,7 +7,9 @@
 
 #include <morvane/model/Value.h>
 
+#include <algorithm>
 #include <cstddef>
+#include <cstdint>
 #include <initializer_list>
 #include <memory>
 #include <string>
@@ -16,33 +18,118 @@
 
 namespace morvane {
 
-class List : public std::enable_shared_from_this<List> {
+// The elements of a list: a growable array of Values, much like a
+// std::vector<Value> (its iterators are plain pointers). A list made for a
+// known number of elements keeps them inside its own allocation, so a small
+// list (a point's two coordinates) is one block; it moves to a buffer of its
+// own only when it grows past that.
+class Values {
   public:
-    using iterator = std::vector<Value>::iterator;
-    using const_iterator = std::vector<Value>::const_iterator;
+    using value_type = Value;
+    using size_type = std::size_t;
+    using iterator = Value*;
+    using const_iterator = const Value*;
+    using reference = Value&;
+    using const_reference = const Value&;
+
+    Values() noexcept = default;
+    Values(const Values&) = delete;
+    Values& operator=(const Values&) = delete;
+    ~Values();
+
+    std::size_t size() const noexcept { return size_; }
+    bool empty() const noexcept { return size_ == 0; }
+    std::size_t capacity() const noexcept { return capacity_; }
+    Value* data() noexcept { return data_; }
+    const Value* data() const noexcept { return data_; }
+    iterator begin() noexcept { return data_; }
+    iterator end() noexcept { return data_ + size_; }
+    const_iterator begin() const noexcept { return data_; }
+    const_iterator end() const noexcept { return data_ + size_; }
+    Value& operator[](std::size_t i) noexcept { return data_[i]; }
+    const Value& operator[](std::size_t i) const noexcept { return data_[i]; }
+    Value& front() noexcept { return data_[0]; }
+    Value& back() noexcept { return data_[size_ - 1]; }
+    const Value& front() const noexcept { return data_[0]; }
+    const Value& back() const noexcept { return data_[size_ - 1]; }
+
+    void reserve(std::size_t count);
+    void push_back(const Value& value) { emplace_back(value); }
+    void push_back(Value&& value) { emplace_back(std::move(value)); }
+    template <typename... Args> Value& emplace_back(Args&&... args) {
+        if (size_ == capacity_) grow(size_ + 1);
+        Value* slot = std::construct_at(data_ + size_, std::forward<Args>(args)...);
+        ++size_;
+        return *slot;
+    }
+    void pop_back() noexcept { std::destroy_at(data_ + --size_); }
+    iterator insert(const_iterator position, Value value);
+    iterator erase(const_iterator position);
+    iterator erase(const_iterator first, const_iterator last);
+    void clear() noexcept;
+    // Replaces the contents with the given values, in order.
+    void assign(std::vector<Value>&& values);
+    // Removes the elements `remove` holds true for, keeping the order of the
+    // rest; returns how many went.
+    template <typename Predicate> std::size_t eraseIf(Predicate remove) {
+        Value* kept = std::remove_if(begin(), end(), remove);
+        const std::size_t removed = static_cast<std::size_t>(end() - kept);
+        erase(kept, end());
+        return removed;
+    }
+
+  private:
+    friend class List;
+    // Storage for `capacity` elements that the owner provides (and frees).
+    Values(Value* storage, std::size_t capacity) noexcept
+        : data_(storage), capacity_(static_cast<std::uint32_t>(capacity)) {}
+    void grow(std::size_t needed);
+
+    Value* data_ = nullptr;
+    std::uint32_t size_ = 0;
+    std::uint32_t capacity_ : 31 = 0;
+    // The elements live in a buffer of their own (not in the owner's block).
+    std::uint32_t ownsBuffer_ : 1 = 0;
+};
+
+class List : public RefCounted {
+  public:
+    using iterator = Values::iterator;
+    using const_iterator = Values::const_iterator;
 
     List() = default;
-    List(std::initializer_list<Value> items) : items_(items) {}
-    explicit List(std::vector<Value> items) : items_(std::move(items)) {}
-    List(const List&) = delete;
-    List& operator=(const List&) = delete;
+    List(std::initializer_list<Value> items);
+    explicit List(std::vector<Value> items);
 
-    static ListPtr make() { return std::make_shared<List>(); }
-    static ListPtr make(std::initializer_list<Value> items) { return std::make_shared<List>(items); }
-    static ListPtr make(std::vector<Value> items) { return std::make_shared<List>(std::move(items)); }
+    static ListPtr make();
+    static ListPtr make(std::initializer_list<Value> items);
+    static ListPtr make(std::vector<Value> items);
+    // An empty list with room for `count` elements inside its own block.
+    static ListPtr withCapacity(std::size_t count);
 
     // ---- The sequence ------------------------------------------------------
 
     std::size_t size() const { return items_.size(); }
     bool empty() const { return items_.empty(); }
+    // True if some element is a Node or a list. The tree walks ask it before
+    // entering a list: most lists of a geometry file hold only numbers.
+    bool holdsContainers() const {
+        // Elements still in the list's own block are found from the list's
+        // address, not through the element pointer: one memory access less
+        // before the elements can be read, for each of those small lists.
+        const Value* first = items_.ownsBuffer_ ? items_.data_ : reinterpret_cast<const Value*>(this + 1);
+        for (const Value* element = first; element != first + items_.size_; ++element)
+            if (element->isNode() || element->isList()) return true;
+        return false;
+    }
     // The element at a position; the absent value past the end.
     const Value& at(std::size_t index) const;
     const Value& operator[](std::size_t index) const { return at(index); }
     const_iterator begin() const { return items_.begin(); }
     const_iterator end() const { return items_.end(); }
     // Direct access for the list's own operations and for builders.
-    std::vector<Value>& items() { return items_; }
-    const std::vector<Value>& items() const { return items_; }
+    Values& items() { return items_; }
+    const Values& items() const { return items_; }
 
     // The changing operations return false and change nothing on a read-only list.
     bool push(Value value);
@@ -52,7 +139,7 @@ class List : public std::enable_shared_from_this<List> {
     void clear();
 
     bool isReadOnly() const { return readOnly_; }
-    void setReadOnly(bool readOnly) { readOnly_ = readOnly; }
+    void setReadOnly(bool readOnly) { readOnly_ = readOnly ? 1 : 0; }
 
     // Shallow copy: the same elements (Nodes and lists shared).
     ListPtr shallowCopy() const;
@@ -175,11 +262,18 @@ class List : public std::enable_shared_from_this<List> {
     static std::string mySeaTac();
 
   private:
+    friend void refRelease(const List* list) noexcept;
+    // A list with room for `count` elements after the object itself.
+    static List* allocate(std::size_t count);
+    static void destroy(const List* list) noexcept;
+
     // The shared list, or a shallow copy when nobody shares this list.
     ListPtr self() const;
 
-    std::vector<Value> items_;
-    bool readOnly_ = false;
+    std::uint32_t readOnly_ : 1 = 0;
+    // Elements that fit in the list's own block (kept after they moved out).
+    std::uint32_t inlineCapacity_ : 31 = 0;
+    Values items_;
 };
 
 } // namespace morvane

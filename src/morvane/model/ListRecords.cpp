@@ -43,13 +43,13 @@ long List::findIdx(std::string_view f, std::string_view v) const {
 
 void List::removeObj(std::string_view f, std::string_view v) {
     if (readOnly_) return;
-    std::erase_if(items_, [&](const Value& element) { return holdsText(element, f, v); });
+    items_.eraseIf([&](const Value& element) { return holdsText(element, f, v); });
 }
 
 void List::removeObj(std::string_view f, std::string_view v, std::string_view k, std::string_view w) {
     if (readOnly_) return;
-    std::erase_if(
-        items_, [&](const Value& element) { return holdsText(element, f, v) && !holdsText(element, k, w); });
+    items_.eraseIf(
+        [&](const Value& element) { return holdsText(element, f, v) && !holdsText(element, k, w); });
 }
 
 long List::countItem(std::string_view f) const {
@@ -83,8 +83,10 @@ long List::countItem(std::string_view f, std::string_view v) const {
 void List::copyAll(const ListPtr& list) {
     if (!list || readOnly_) return;
     // Copy first: the list may be this list.
-    std::vector<Value> added = list->items_;
-    items_.insert(items_.end(), added.begin(), added.end());
+    const std::size_t count = list->items_.size();
+    items_.reserve(items_.size() + count);
+    for (std::size_t i = 0; i < count; ++i)
+        items_.push_back(list->items_[i]);
 }
 
 namespace {

@@ -6,7 +6,7 @@
 namespace morvane {
 
 ListPtr List::self() const {
-    if (auto shared = weak_from_this().lock()) return std::const_pointer_cast<List>(shared);
+    if (isShared()) return ListPtr(const_cast<List*>(this));
     return shallowCopy();
 }
 
@@ -19,7 +19,7 @@ NodePtr List::arraySearch(std::string_view field, std::string_view c) const {
         NodePtr found;
         if (const NodePtr& node = element.node())
             found = contentsearch(node, field, c);
-        else if (const ListPtr& inner = element.list())
+        else if (const ListPtr& inner = element.list(); inner && inner->holdsContainers())
             found = inner->arraySearch(field, c);
         if (found) return found;
     }

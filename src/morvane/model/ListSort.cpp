@@ -14,7 +14,7 @@ namespace {
 // Exchange sort over `items` by the texts `textOf` gives. `onSwap` may
 // replace the element that moves to the later position.
 template <typename TextOf, typename OnSwap>
-void exchangeSort(std::vector<Value>& items, bool ascend, TextOf textOf, OnSwap onSwap) {
+void exchangeSort(Values& items, bool ascend, TextOf textOf, OnSwap onSwap) {
     if (items.size() < 2) return;
     for (std::size_t i = 0; i + 1 < items.size(); ++i) {
         for (std::size_t j = i + 1; j < items.size(); ++j) {
@@ -64,8 +64,7 @@ ListPtr List::sortTextTemp(bool ascend) const {
 }
 
 ListPtr List::sortArray(std::string_view f) const {
-    ListPtr sorted = List::make();
-    sorted->items_.reserve(items_.size());
+    ListPtr sorted = List::withCapacity(items_.size());
     for (const Value& element : items_) {
         const long at = sorted->findIdx(detail::fieldOf(element, f), f, true);
         if (at < 0)

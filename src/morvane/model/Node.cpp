@@ -1,4 +1,5 @@
 #include <morvane/model/Node.h>
+#include <morvane/model/detail/BlockPool.h>
 
 #include <algorithm>
 #include <bit>
@@ -13,6 +14,26 @@ std::size_t hashKey(std::string_view key) {
     return std::hash<std::string_view>{}(key);
 }
 } // namespace
+
+void refRetain(const Node* node) noexcept {
+    node->retainRef();
+}
+
+void refRelease(const Node* node) noexcept {
+    if (node->releaseRef()) delete node;
+}
+
+long refCount(const Node* node) noexcept {
+    return node->refCount();
+}
+
+void* Node::operator new(std::size_t size) {
+    return detail::allocateBlock(size);
+}
+
+void Node::operator delete(void* block, std::size_t size) noexcept {
+    detail::freeBlock(block, size);
+}
 
 Node::Node(std::initializer_list<Entry> entries) {
     reserve(entries.size());

@@ -22,18 +22,22 @@
 
 namespace morvane {
 
-class Node : public std::enable_shared_from_this<Node> {
+class Node : public RefCounted {
   public:
     using Entry = std::pair<std::string, Value>;
     using const_iterator = std::vector<Entry>::const_iterator;
 
     Node() = default;
     Node(std::initializer_list<Entry> entries);
-    Node(const Node&) = delete;
-    Node& operator=(const Node&) = delete;
 
-    static NodePtr make() { return std::make_shared<Node>(); }
-    static NodePtr make(std::initializer_list<Entry> entries) { return std::make_shared<Node>(entries); }
+    // Nodes come from the pool of tree blocks (see detail/BlockPool.h).
+    static void* operator new(std::size_t size);
+    static void operator delete(void* block, std::size_t size) noexcept;
+
+    static NodePtr make() { return NodePtr(new Node(), NodePtr::Adopt{}); }
+    static NodePtr make(std::initializer_list<Entry> entries) {
+        return NodePtr(new Node(entries), NodePtr::Adopt{});
+    }
 
     // ---- The map ------------------------------------------------------------
 
@@ -59,7 +63,7 @@ class Node : public std::enable_shared_from_this<Node> {
     std::vector<std::string> keys() const;
 
     bool isReadOnly() const { return readOnly_; }
-    void setReadOnly(bool readOnly) { readOnly_ = readOnly; }
+    void setReadOnly(bool readOnly) { readOnly_ = readOnly ? 1 : 0; }
 
     // Shallow copy: the same keys and values (nested Nodes and lists shared).
     NodePtr shallowCopy() const;
@@ -283,15 +287,16 @@ class Node : public std::enable_shared_from_this<Node> {
     void rebuildIndex();
     void indexInsert(std::size_t position);
 
+    // Every Node of a tree pays for these bytes, so they are packed: with the
+    // reference count, the index size and the flag share one word.
+    std::uint32_t indexSize_ : 31 = 0;
+    std::uint32_t readOnly_ : 1 = 0;
     std::vector<Entry> entries_;
     // Open-addressing table of entry positions + 1 (0 marks a free slot);
     // empty while the Node is small. Kept up to date by every change, so that
-    // reading a Node never writes to it.
-    // (A bare array and its size, not a vector: every Node of a tree pays
-    // for these bytes, and most Nodes never have an index.)
+    // reading a Node never writes to it. (A bare array and its size, not a
+    // vector: most Nodes never have an index.)
     std::unique_ptr<std::uint32_t[]> index_;
-    std::uint32_t indexSize_ = 0;
-    bool readOnly_ = false;
 };
 
 } // namespace morvane

@@ -34,8 +34,8 @@ NodePtr Node::removeKey(std::string_view k) const {
 }
 
 ListPtr Node::removeArray(const ListPtr& list, std::string_view k) const {
-    ListPtr copy = List::make();
-    if (!list) return copy;
+    if (!list) return List::make();
+    ListPtr copy = List::withCapacity(list->size());
     for (const Value& element : list->items()) {
         Value copied;
         if (const NodePtr& nested = element.node())
@@ -44,7 +44,7 @@ ListPtr Node::removeArray(const ListPtr& list, std::string_view k) const {
             copied = Value(removeArray(inner, k));
         else
             copied = element;
-        if (!isEmptyContainer(copied)) copy->push(std::move(copied));
+        if (!isEmptyContainer(copied)) copy->items().push_back(std::move(copied));
     }
     return copy;
 }
@@ -65,8 +65,8 @@ NodePtr Node::clean(std::string_view t) const {
 }
 
 ListPtr Node::cleanArray(const ListPtr& list, std::string_view t) const {
-    ListPtr copy = List::make();
-    if (!list) return copy;
+    if (!list) return List::make();
+    ListPtr copy = List::withCapacity(list->size());
     for (const Value& element : list->items()) {
         Value copied;
         if (const NodePtr& nested = element.node())
@@ -75,7 +75,7 @@ ListPtr Node::cleanArray(const ListPtr& list, std::string_view t) const {
             copied = Value(cleanArray(inner, t));
         else
             copied = element;
-        if (!isEmptyContainer(copied)) copy->push(std::move(copied));
+        if (!isEmptyContainer(copied)) copy->items().push_back(std::move(copied));
     }
     return copy;
 }

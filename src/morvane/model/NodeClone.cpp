@@ -31,9 +31,8 @@ NodePtr Node::deepCopyDictionary() const {
 }
 
 ListPtr Node::deepCopyArray(const ListPtr& list) const {
-    ListPtr copy = List::make();
-    if (!list) return copy;
-    copy->items().reserve(list->size());
+    if (!list) return List::make();
+    ListPtr copy = List::withCapacity(list->size());
     for (const Value& element : list->items()) {
         if (const NodePtr& nested = element.node())
             copy->items().emplace_back(nested->deepCopyDictionary());

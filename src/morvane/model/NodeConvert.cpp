@@ -58,9 +58,8 @@ NodePtr Node::mutableKey(std::string_view path) const {
 }
 
 ListPtr Node::mutableArrayChange(const ListPtr& list, std::string_view path) const {
-    ListPtr result = List::make();
-    if (!list) return result;
-    if (const std::size_t count = keptCount(*list)) result->items().reserve(count);
+    if (!list) return List::make();
+    ListPtr result = List::withCapacity(keptCount(*list));
     long index = 0;
     for (const Value& element : list->items()) {
         if (const NodePtr& node = element.node()) {
@@ -69,11 +68,11 @@ ListPtr Node::mutableArrayChange(const ListPtr& list, std::string_view path) con
             NodePtr copy = node->mutableKey(path);
             if (node->containsTxt())
                 copy->set("key", Value(std::string(path) + "[" + std::to_string(index) + "]"));
-            result->push(Value(std::move(copy)));
+            result->items().emplace_back(std::move(copy));
         } else if (element.isList()) {
-            result->push(Value(mutableArrayChange(element.list(), path)));
+            result->items().emplace_back(mutableArrayChange(element.list(), path));
         } else if (element.isText()) {
-            result->push(element);
+            result->items().push_back(element);
         }
         ++index;
     }
@@ -98,16 +97,15 @@ NodePtr Node::mutableChange() const {
 }
 
 ListPtr Node::mutableArrayChange(const ListPtr& list) const {
-    ListPtr result = List::make();
-    if (!list) return result;
-    if (const std::size_t count = keptCount(*list)) result->items().reserve(count);
+    if (!list) return List::make();
+    ListPtr result = List::withCapacity(keptCount(*list));
     for (const Value& element : list->items()) {
         if (element.isNode())
-            result->push(Value(element.node()->mutableChange()));
+            result->items().emplace_back(element.node()->mutableChange());
         else if (element.isList())
-            result->push(Value(mutableArrayChange(element.list())));
+            result->items().emplace_back(mutableArrayChange(element.list()));
         else if (element.isText())
-            result->push(element);
+            result->items().push_back(element);
     }
     return result;
 }

@@ -14,8 +14,8 @@ using detail::compareText;
 
 namespace {
 
-const std::vector<Value>& itemsOf(const ListPtr& list) {
-    static const std::vector<Value> none;
+const Values& itemsOf(const ListPtr& list) {
+    static const Values none;
     return list ? list->items() : none;
 }
 
@@ -47,7 +47,7 @@ std::string fieldText(const Value& element, std::string_view field) {
 } // namespace
 
 NodePtr Node::self() const {
-    if (auto shared = weak_from_this().lock()) return std::const_pointer_cast<Node>(shared);
+    if (isShared()) return NodePtr(const_cast<Node*>(this));
     return shallowCopy();
 }
 

@@ -40,7 +40,8 @@ void gatherList(const List& list, const GatherQuery& query, std::string& out) {
     // element that turns out empty is taken back.
     const std::size_t start = out.size();
     for (const Value& element : list) {
-        if (!element.isNode() && !element.isList()) continue;
+        // Only Nodes and lists that hold containers can give a piece.
+        if (element.isList() ? !element.list()->holdsContainers() : !element.isNode()) continue;
         const std::size_t before = out.size();
         const bool separate = before > start;
         if (separate) out += query.back;
@@ -71,7 +72,7 @@ double sumList(const List& list, std::string_view key) {
     for (const Value& element : list) {
         if (const NodePtr& nested = element.node())
             total += sumNode(*nested, key);
-        else if (const ListPtr& inner = element.list())
+        else if (const ListPtr& inner = element.list(); inner && inner->holdsContainers())
             total += sumList(*inner, key);
     }
     return total;

@@ -30,7 +30,7 @@ const Value* pullFromList(const List& list, std::string_view key) {
         const Value* found = nullptr;
         if (const NodePtr& nested = element.node())
             found = pullFromNode(*nested, key);
-        else if (const ListPtr& inner = element.list())
+        else if (const ListPtr& inner = element.list(); inner && inner->holdsContainers())
             found = pullFromList(*inner, key);
         if (found) return found;
     }

@@ -34,11 +34,14 @@ Value searchKeysIn(const Node& node, const KeyQuery& query);
 
 Value searchKeysInList(const List& list, const KeyQuery& query, bool hostReadOnly) {
     for (const Value& element : list) {
-        if (const NodePtr& nested = element.node()) {
-            if (!query.enters(hostReadOnly, *nested)) continue;
-            if (Value found = searchKeysIn(*nested, query)) return found;
-        } else if (const ListPtr& inner = element.list()) {
-            if (Value found = searchKeysInList(*inner, query, hostReadOnly)) return found;
+        if (element.isNode()) {
+            const Node& nested = *element.node();
+            if (!query.enters(hostReadOnly, nested)) continue;
+            if (Value found = searchKeysIn(nested, query)) return found;
+        } else if (element.isList()) {
+            const List& inner = *element.list();
+            if (!inner.holdsContainers()) continue; // nothing to search in
+            if (Value found = searchKeysInList(inner, query, hostReadOnly)) return found;
         }
     }
     return {};
@@ -82,7 +85,7 @@ NodePtr searchNodesInList(const List& list, const NodeQuery& query) {
         if (const NodePtr& nested = element.node()) {
             // The element that holds the hit, not the hit.
             if (searchNodesIn(*nested, query)) return nested;
-        } else if (const ListPtr& inner = element.list()) {
+        } else if (const ListPtr& inner = element.list(); inner && inner->holdsContainers()) {
             if (NodePtr found = searchNodesInList(*inner, query)) return found;
         }
     }

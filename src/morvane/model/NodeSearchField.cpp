@@ -42,7 +42,7 @@ NodePtr contentInList(const List& list, const ContentQuery& query) {
         if (const NodePtr& nested = element.node()) {
             if (query.holds(*nested)) return nested;
             if (NodePtr found = contentInChildren(*nested, query)) return found;
-        } else if (const ListPtr& inner = element.list()) {
+        } else if (const ListPtr& inner = element.list(); inner && inner->holdsContainers()) {
             if (NodePtr found = contentInList(*inner, query)) return found;
         }
     }
@@ -83,7 +83,7 @@ NodePtr fieldInList(const List& list, const FieldQuery& query) {
         if (const NodePtr& nested = element.node()) {
             if (query.holds(*nested)) return nested;
             if (NodePtr found = fieldInChildren(*nested, query)) return found;
-        } else if (const ListPtr& inner = element.list()) {
+        } else if (const ListPtr& inner = element.list(); inner && inner->holdsContainers()) {
             if (NodePtr found = fieldInList(*inner, query)) return found;
         }
     }

@@ -6,18 +6,24 @@
 
 namespace morvane {
 
-static_assert(sizeof(Value) == 24, "a Value is three words; see Value::TextBox");
+static_assert(sizeof(Value) == 16, "a Value is two words; see Value::Payload");
 
-Value::Value(NodePtr node) {
-    if (node) data_ = std::move(node);
+Value::Value(NodePtr node) noexcept {
+    if (!node) return;
+    std::construct_at(&payload_.node, std::move(node));
+    kind_ = Kind::Node;
 }
 
-Value::Value(ListPtr list) {
-    if (list) data_ = std::move(list);
+Value::Value(ListPtr list) noexcept {
+    if (!list) return;
+    std::construct_at(&payload_.list, std::move(list));
+    kind_ = Kind::List;
 }
 
 Value::Value(std::shared_ptr<Object> object) {
-    if (object) data_ = std::move(object);
+    if (!object) return;
+    payload_.object = new ObjectBlock{{1}, std::move(object)};
+    kind_ = Kind::Object;
 }
 
 std::string Value::toText() const {
@@ -25,10 +31,9 @@ std::string Value::toText() const {
     case Kind::Text:
         return *text();
     case Kind::Number: {
-        const auto& n = std::get<Number>(data_);
-        if (n.fromBool) return n.value != 0.0 ? "1" : "0";
+        if (fromBool_) return payload_.number != 0.0 ? "1" : "0";
         char buffer[32];
-        auto result = std::to_chars(buffer, buffer + sizeof buffer, n.value);
+        auto result = std::to_chars(buffer, buffer + sizeof buffer, payload_.number);
         return std::string(buffer, result.ptr);
     }
     default:

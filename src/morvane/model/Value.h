@@ -15,7 +15,6 @@
 #include <string_view>
 #include <typeinfo>
 #include <utility>
-#include <variant>
 
 namespace morvane {
 
@@ -40,70 +39,87 @@ class Value {
   public:
     enum class Kind : std::uint8_t { Absent, Null, Number, Text, Node, List, Object };
 
-    Value() = default; // absent
-    Value(double number) : data_(Number{number, false}) {}
-    Value(int number) : data_(Number{static_cast<double>(number), false}) {}
-    Value(long number) : data_(Number{static_cast<double>(number), false}) {}
-    Value(long long number) : data_(Number{static_cast<double>(number), false}) {}
-    Value(unsigned number) : data_(Number{static_cast<double>(number), false}) {}
-    Value(unsigned long number) : data_(Number{static_cast<double>(number), false}) {}
-    Value(unsigned long long number) : data_(Number{static_cast<double>(number), false}) {}
-    Value(bool flag) : data_(Number{flag ? 1.0 : 0.0, true}) {}
-    Value(std::string text) : data_(TextBox(std::move(text))) {}
-    Value(std::string_view text) : data_(TextBox(std::string(text))) {}
-    Value(const char* text) : data_(TextBox(std::string(text ? text : ""))) {}
-    Value(NodePtr node);
-    Value(ListPtr list);
+    Value() noexcept { payload_.bits = 0; } // absent
+    Value(double number) noexcept : kind_(Kind::Number) { payload_.number = number; }
+    Value(int number) noexcept : Value(static_cast<double>(number)) {}
+    Value(long number) noexcept : Value(static_cast<double>(number)) {}
+    Value(long long number) noexcept : Value(static_cast<double>(number)) {}
+    Value(unsigned number) noexcept : Value(static_cast<double>(number)) {}
+    Value(unsigned long number) noexcept : Value(static_cast<double>(number)) {}
+    Value(unsigned long long number) noexcept : Value(static_cast<double>(number)) {}
+    Value(bool flag) noexcept : kind_(Kind::Number), fromBool_(true) { payload_.number = flag ? 1.0 : 0.0; }
+    Value(std::string text) : kind_(Kind::Text) { payload_.text = new TextBlock{{1}, std::move(text)}; }
+    Value(std::string_view text) : Value(std::string(text)) {}
+    Value(const char* text) : Value(std::string(text ? text : "")) {}
+    Value(NodePtr node) noexcept;
+    Value(ListPtr list) noexcept;
     Value(std::shared_ptr<Object> object);
     // A Value holding a raw pointer would silently become a flag; refuse it.
     Value(const void*) = delete;
 
-    static Value null() {
+    Value(const Value& other) noexcept : kind_(other.kind_), fromBool_(other.fromBool_) {
+        payload_.bits = other.payload_.bits;
+        retain();
+    }
+    Value(Value&& other) noexcept : kind_(other.kind_), fromBool_(other.fromBool_) {
+        payload_.bits = other.payload_.bits;
+        other.kind_ = Kind::Absent;
+    }
+    Value& operator=(const Value& other) noexcept {
+        Value copy(other);
+        swap(copy);
+        return *this;
+    }
+    Value& operator=(Value&& other) noexcept {
+        Value taken(std::move(other));
+        swap(taken);
+        return *this;
+    }
+    ~Value() {
+        if (kind_ >= Kind::Text) release();
+    }
+    void swap(Value& other) noexcept {
+        std::swap(payload_.bits, other.payload_.bits);
+        std::swap(kind_, other.kind_);
+        std::swap(fromBool_, other.fromBool_);
+    }
+    friend void swap(Value& a, Value& b) noexcept { a.swap(b); }
+
+    static Value null() noexcept {
         Value v;
-        v.data_ = Null{};
+        v.kind_ = Kind::Null;
         return v;
     }
     template <typename T> static Value object(T value) {
         return Value(std::shared_ptr<Object>(std::make_shared<Boxed<T>>(std::move(value))));
     }
 
-    Kind kind() const { return static_cast<Kind>(data_.index()); }
-    bool isAbsent() const { return kind() == Kind::Absent; }
-    bool isNull() const { return kind() == Kind::Null; }
-    bool isNumber() const { return kind() == Kind::Number; }
-    bool isBool() const { return isNumber() && std::get<Number>(data_).fromBool; }
-    bool isText() const { return kind() == Kind::Text; }
-    bool isNode() const { return kind() == Kind::Node; }
-    bool isList() const { return kind() == Kind::List; }
-    bool isObject() const { return kind() == Kind::Object; }
+    Kind kind() const noexcept { return kind_; }
+    bool isAbsent() const noexcept { return kind_ == Kind::Absent; }
+    bool isNull() const noexcept { return kind_ == Kind::Null; }
+    bool isNumber() const noexcept { return kind_ == Kind::Number; }
+    bool isBool() const noexcept { return kind_ == Kind::Number && fromBool_; }
+    bool isText() const noexcept { return kind_ == Kind::Text; }
+    bool isNode() const noexcept { return kind_ == Kind::Node; }
+    bool isList() const noexcept { return kind_ == Kind::List; }
+    bool isObject() const noexcept { return kind_ == Kind::Object; }
     // True for everything but the absent value.
-    explicit operator bool() const { return !isAbsent(); }
+    explicit operator bool() const noexcept { return kind_ != Kind::Absent; }
 
     // The number, or 0 when this is not a number.
-    double number() const { return isNumber() ? std::get<Number>(data_).value : 0.0; }
-    bool boolean() const { return number() != 0.0; }
+    double number() const noexcept { return kind_ == Kind::Number ? payload_.number : 0.0; }
+    bool boolean() const noexcept { return number() != 0.0; }
     // The text, or nullptr when this is not a text.
-    const std::string* text() const {
-        const auto* box = std::get_if<TextBox>(&data_);
-        return box ? &box->get() : nullptr;
-    }
+    const std::string* text() const noexcept { return kind_ == Kind::Text ? &payload_.text->value : nullptr; }
     // The text, or "" when this is not a text.
-    const std::string& textOr() const {
-        const auto* box = std::get_if<TextBox>(&data_);
-        return box ? box->get() : kNoText;
+    const std::string& textOr() const noexcept {
+        return kind_ == Kind::Text ? payload_.text->value : kNoText;
     }
     // The Node or list, or nullptr. (Inline: the tree walks ask every value.)
-    const NodePtr& node() const {
-        const auto* n = std::get_if<NodePtr>(&data_);
-        return n ? *n : kNoNode;
-    }
-    const ListPtr& list() const {
-        const auto* l = std::get_if<ListPtr>(&data_);
-        return l ? *l : kNoList;
-    }
-    const std::shared_ptr<Object>& objectPtr() const {
-        const auto* o = std::get_if<std::shared_ptr<Object>>(&data_);
-        return o ? *o : kNoObject;
+    const NodePtr& node() const noexcept { return kind_ == Kind::Node ? payload_.node : kNoNode; }
+    const ListPtr& list() const noexcept { return kind_ == Kind::List ? payload_.list : kNoList; }
+    const std::shared_ptr<Object>& objectPtr() const noexcept {
+        return kind_ == Kind::Object ? payload_.object->value : kNoObject;
     }
     // The carried object if it is a T, or nullptr.
     template <typename T> const T* as() const {
@@ -121,57 +137,80 @@ class Value {
     bool operator==(const Value& other) const;
 
   private:
-    struct Null {
-        bool operator==(const Null&) const = default;
+    // Texts and opaque objects live in counted blocks: a text never changes
+    // once made, so copies of a Value (and deep copies of a tree, which only
+    // build new containers) share the block instead of copying the characters.
+    template <typename T> struct Block {
+        std::atomic<std::uint32_t> references;
+        T value;
     };
-    struct Number {
-        double value;
-        bool fromBool;
-    };
-    // A text lives on the heap so that a Value stays three words long: most
-    // values of a tree are numbers, Nodes and lists, and walks and memory
-    // pay for every byte of every value.
-    // A text lives on the heap behind one pointer, so a Value stays three
-    // words. Texts never change once made, so copies share the same block
-    // (a reference count, no allocation): deep copies of a tree only build
-    // new containers.
-    class TextBox {
-      public:
-        explicit TextBox(std::string text) : block_(new Block{1, std::move(text)}) {}
-        TextBox(const TextBox& other) noexcept : block_(other.block_) { retain(); }
-        TextBox(TextBox&& other) noexcept : block_(std::exchange(other.block_, nullptr)) {}
-        TextBox& operator=(const TextBox& other) noexcept {
-            TextBox copy(other);
-            std::swap(block_, copy.block_);
-            return *this;
-        }
-        TextBox& operator=(TextBox&& other) noexcept {
-            std::swap(block_, other.block_);
-            return *this;
-        }
-        ~TextBox() { release(); }
-        const std::string& get() const { return block_ ? block_->text : kNoText; }
+    using TextBlock = Block<std::string>;
+    using ObjectBlock = Block<std::shared_ptr<Object>>;
 
-      private:
-        struct Block {
-            std::atomic<std::uint32_t> references;
-            std::string text;
-        };
-        void retain() noexcept {
-            if (block_) block_->references.fetch_add(1, std::memory_order_relaxed);
-        }
-        void release() noexcept {
-            if (block_ && block_->references.fetch_sub(1, std::memory_order_acq_rel) == 1) delete block_;
-        }
-        Block* block_;
+    // Two words: the payload and the kind. Most values of a tree are numbers,
+    // Nodes and lists, and walks and memory pay for every byte of every value.
+    // `bits` copies whichever member is live: every member is one word that
+    // can be moved as it stands.
+    union Payload {
+        Payload() noexcept : bits(0) {}
+        ~Payload() {}
+        std::uint64_t bits;
+        double number;
+        TextBlock* text;
+        NodePtr node;
+        ListPtr list;
+        ObjectBlock* object;
     };
+
+    void retain() const noexcept;
+    void release() noexcept;
 
     static inline const std::string kNoText;
     static inline const NodePtr kNoNode;
     static inline const ListPtr kNoList;
     static inline const std::shared_ptr<Object> kNoObject;
 
-    std::variant<std::monostate, Null, Number, TextBox, NodePtr, ListPtr, std::shared_ptr<Object>> data_;
+    Payload payload_;
+    Kind kind_ = Kind::Absent;
+    bool fromBool_ = false;
 };
+
+inline void Value::retain() const noexcept {
+    switch (kind_) {
+    case Kind::Text:
+        payload_.text->references.fetch_add(1, std::memory_order_relaxed);
+        break;
+    case Kind::Node:
+        refRetain(payload_.node.get());
+        break;
+    case Kind::List:
+        refRetain(payload_.list.get());
+        break;
+    case Kind::Object:
+        payload_.object->references.fetch_add(1, std::memory_order_relaxed);
+        break;
+    default:
+        break;
+    }
+}
+
+inline void Value::release() noexcept {
+    switch (kind_) {
+    case Kind::Text:
+        if (payload_.text->references.fetch_sub(1, std::memory_order_acq_rel) == 1) delete payload_.text;
+        break;
+    case Kind::Node:
+        std::destroy_at(&payload_.node);
+        break;
+    case Kind::List:
+        std::destroy_at(&payload_.list);
+        break;
+    case Kind::Object:
+        if (payload_.object->references.fetch_sub(1, std::memory_order_acq_rel) == 1) delete payload_.object;
+        break;
+    default:
+        break;
+    }
+}
 
 } // namespace morvane
