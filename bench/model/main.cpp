@@ -16,6 +16,7 @@
 #include <morvane/model/Json.h>
 #include <morvane/model/List.h>
 #include <morvane/model/Node.h>
+#include <morvane/model/detail/BlockPool.h>
 
 #include <nlohmann/json.hpp>
 
@@ -31,6 +32,7 @@
 #include <new>
 #include <sstream>
 #include <string>
+#include <thread>
 #include <vector>
 
 // ---- Heap accounting -----------------------------------------------------------
@@ -316,14 +318,23 @@ int main() {
             return 1;
         }
 
-        // Memory first, from a quiet heap. One read beforehand lets the reader
-        // set up its parser, which it keeps for small texts: that buffer
-        // belongs to the reader, not to the tree.
-        keep(json::parse(text));
+        // Memory first, from a quiet heap. The NodeTree is read in a thread of
+        // its own: the kit reuses freed tree blocks per thread, and a new
+        // thread has none, so every block of this tree is counted (in whole
+        // slabs of blocks). A single text of the same length, read first,
+        // lets the reader set up its parser buffers (which it keeps for small
+        // texts and which belong to the reader, not the tree) without making
+        // any tree blocks. Like the general heap's own spare memory, the part
+        // of the last slab that holds no block yet is not counted.
+        Value rootValue;
+        long long treeBytes = 0;
+        std::thread([&] {
+            keep(json::parse("\"" + std::string(text.size() - 2, 'x') + "\""));
+            const long long start = gHeapBytes.load();
+            rootValue = json::parse(text);
+            treeBytes = gHeapBytes.load() - start - static_cast<long long>(detail::uncarvedBytes());
+        }).join();
         long long before = gHeapBytes.load();
-        Value rootValue = json::parse(text);
-        const long long treeBytes = gHeapBytes.load() - before;
-        before = gHeapBytes.load();
         njson doc = njson::parse(text);
         const long long domBytes = gHeapBytes.load() - before;
         if (rootValue.isAbsent()) {
