@@ -101,6 +101,58 @@ TEST(Storage, walks_enter_a_number_list_that_gained_a_node_later) {
     EXPECT_FALSE(second->at(0).node()->has("$x"));
 }
 
+// A Value made from a small list of numbers lets the walks pass the list by.
+// Whatever way a Node gets into the list afterwards, through the list or
+// through a reference taken before or after, every copy of that Value must
+// see it.
+TEST(Storage, every_way_of_putting_a_node_into_a_passed_by_list_is_seen) {
+    auto found = [](const Value& holder) {
+        NodePtr root = node({{"entry", holder}, {"inList", list({holder})}});
+        // The key search, the gathering (once from the entry, once from the
+        // list) and the Node search.
+        return root->valKey("k").textOr() + "|" + root->gatherTxt("k", "", "") + "|" +
+               (root->nodeKey("k") ? "node" : "");
+    };
+    auto hit = [] { return Value(node({{"k", "x"}})); };
+
+    {
+        ListPtr l = List::make({1, 2});
+        Value& slot = l->items()[0]; // taken before any Value looked at the list
+        Value holder(l);
+        slot = hit();
+        EXPECT_EQ(found(holder), "x|xx|");
+    }
+    {
+        ListPtr l = List::make({1, 2});
+        Value holder(l);
+        Value copy = holder;
+        l->items()[1] = hit();
+        EXPECT_EQ(found(copy), "x|xx|");
+    }
+    {
+        ListPtr l = List::make({1, 2});
+        Value holder(l);
+        l->insert(1, hit());
+        EXPECT_EQ(found(holder), "x|xx|");
+    }
+    {
+        ListPtr l = List::make({"a"});
+        Value holder(l);
+        l->copyAll(list({node({{"k", node({{"inner", "y"}})}})}));
+        EXPECT_EQ(found(holder), "||node");
+        // A list search gives the element that holds the hit.
+        NodePtr root = node({{"entry", holder}});
+        EXPECT_EQ(root->nodeKey("k")->get("k").node()->get("inner").textOr(), "y");
+    }
+    {
+        ListPtr l = List::make({1});
+        Value holder(l);
+        std::vector<Value> rows{Value(2), hit()};
+        l->items().assign(std::move(rows));
+        EXPECT_EQ(found(holder), "x|xx|");
+    }
+}
+
 namespace {
 // A random tree whose keys now and then hold "$" or "key", with Nodes that
 // appear in two places and read-only branches. The same seed gives the same

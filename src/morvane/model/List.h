@@ -8,6 +8,7 @@
 #include <morvane/model/Value.h>
 
 #include <algorithm>
+#include <atomic>
 #include <cstddef>
 #include <cstdint>
 #include <initializer_list>
@@ -18,11 +19,28 @@
 
 namespace morvane {
 
+namespace detail {
+// Counts the changes that may have given a Node or list to a list that a
+// Value had found holding none (see Value::listMayHoldContainers).
+extern std::atomic<std::uint64_t> gListShapeEpoch;
+inline std::uint64_t listShapeEpoch() noexcept {
+    return gListShapeEpoch.load(std::memory_order_relaxed);
+}
+} // namespace detail
+
 // The elements of a list: a growable array of Values, much like a
 // std::vector<Value> (its iterators are plain pointers). A list made for a
 // known number of elements keeps them inside its own allocation, so a small
 // list (a point's two coordinates) is one block; it moves to a buffer of its
 // own only when it grows past that.
+//
+// The elements also tell whether they can be known to hold no Node or list.
+// A Value made from a small list of numbers and texts remembers that it found
+// none (with the current count of detail::gListShapeEpoch), and the tree
+// walks then pass the list by without reading it. So every way a container
+// can get into such a list moves the count on: adding one, and handing out
+// access that could change an element (after which the list is never
+// vouched for again).
 class Values {
   public:
     using value_type = Value;
@@ -39,28 +57,32 @@ class Values {
 
     std::size_t size() const noexcept { return size_; }
     bool empty() const noexcept { return size_ == 0; }
-    std::size_t capacity() const noexcept { return capacity_; }
-    Value* data() noexcept { return data_; }
+    std::size_t capacity() const noexcept { return state() & kCapacity; }
     const Value* data() const noexcept { return data_; }
-    iterator begin() noexcept { return data_; }
-    iterator end() noexcept { return data_ + size_; }
     const_iterator begin() const noexcept { return data_; }
     const_iterator end() const noexcept { return data_ + size_; }
-    Value& operator[](std::size_t i) noexcept { return data_[i]; }
     const Value& operator[](std::size_t i) const noexcept { return data_[i]; }
-    Value& front() noexcept { return data_[0]; }
-    Value& back() noexcept { return data_[size_ - 1]; }
     const Value& front() const noexcept { return data_[0]; }
     const Value& back() const noexcept { return data_[size_ - 1]; }
+    // Access that can change the elements.
+    Value* data() noexcept {
+        lend();
+        return data_;
+    }
+    iterator begin() noexcept { return data(); }
+    iterator end() noexcept { return data() + size_; }
+    Value& operator[](std::size_t i) noexcept { return data()[i]; }
+    Value& front() noexcept { return data()[0]; }
+    Value& back() noexcept { return data()[size_ - 1]; }
 
     void reserve(std::size_t count);
     void push_back(const Value& value) { emplace_back(value); }
     void push_back(Value&& value) { emplace_back(std::move(value)); }
-    template <typename... Args> Value& emplace_back(Args&&... args) {
-        if (size_ == capacity_) grow(size_ + 1);
-        Value* slot = std::construct_at(data_ + size_, std::forward<Args>(args)...);
+    template <typename... Args> void emplace_back(Args&&... args) {
+        if (size_ == capacity()) grow(size_ + 1);
+        const Value* added = std::construct_at(data_ + size_, std::forward<Args>(args)...);
         ++size_;
-        return *slot;
+        if (added->isNode() || added->isList()) gained();
     }
     void pop_back() noexcept { std::destroy_at(data_ + --size_); }
     iterator insert(const_iterator position, Value value);
@@ -72,24 +94,57 @@ class Values {
     // Removes the elements `remove` holds true for, keeping the order of the
     // rest; returns how many went.
     template <typename Predicate> std::size_t eraseIf(Predicate remove) {
-        Value* kept = std::remove_if(begin(), end(), remove);
-        const std::size_t removed = static_cast<std::size_t>(end() - kept);
-        erase(kept, end());
+        Value* first = data_;
+        Value* last = data_ + size_;
+        Value* kept = std::remove_if(first, last, remove);
+        const std::size_t removed = static_cast<std::size_t>(last - kept);
+        eraseRange(kept, last);
         return removed;
     }
 
   private:
     friend class List;
+    friend class Value;
+
+    static constexpr std::uint32_t kCapacity = (std::uint32_t{1} << 29) - 1;
+    // The elements live in a buffer of their own (not in the owner's block).
+    static constexpr std::uint32_t kOwnsBuffer = std::uint32_t{1} << 29;
+    // Access that could change an element was handed out.
+    static constexpr std::uint32_t kLent = std::uint32_t{1} << 30;
+    // A Value has found this list holding no Node or list.
+    static constexpr std::uint32_t kVouched = std::uint32_t{1} << 31;
+    // Lists up to this size are looked at for vouching; a longer scan would
+    // cost more than it can save.
+    static constexpr std::size_t kLargestVouched = 16;
+
     // Storage for `capacity` elements that the owner provides (and frees).
     Values(Value* storage, std::size_t capacity) noexcept
-        : data_(storage), capacity_(static_cast<std::uint32_t>(capacity)) {}
+        : data_(storage), state_(static_cast<std::uint32_t>(capacity)) {}
+
+    std::uint32_t state() const noexcept { return state_.load(std::memory_order_relaxed); }
+    bool ownsBuffer() const noexcept { return state() & kOwnsBuffer; }
     void grow(std::size_t needed);
+    Value* eraseRange(Value* first, Value* last) noexcept;
+    void lend() noexcept {
+        const std::uint32_t now = state();
+        if (now & kLent) return;
+        state_.fetch_or(kLent, std::memory_order_relaxed);
+        if (now & kVouched) moveEpoch();
+    }
+    void gained() noexcept {
+        if (state() & kVouched) moveEpoch();
+    }
+    static void moveEpoch() noexcept;
+    // True (and remembered) when the elements hold no Node or list and
+    // nothing that could change them was handed out. `alone`: the caller
+    // holds the only reference, so no other thread can touch the flags.
+    bool vouch(bool alone) const noexcept;
 
     Value* data_ = nullptr;
     std::uint32_t size_ = 0;
-    std::uint32_t capacity_ : 31 = 0;
-    // The elements live in a buffer of their own (not in the owner's block).
-    std::uint32_t ownsBuffer_ : 1 = 0;
+    // Capacity and the flags above. Atomic because vouching sets a flag from
+    // read-only code, which may run on several threads at once.
+    mutable std::atomic<std::uint32_t> state_{0};
 };
 
 class List : public RefCounted {
@@ -117,7 +172,7 @@ class List : public RefCounted {
         // Elements still in the list's own block are found from the list's
         // address, not through the element pointer: one memory access less
         // before the elements can be read, for each of those small lists.
-        const Value* first = items_.ownsBuffer_ ? items_.data_ : reinterpret_cast<const Value*>(this + 1);
+        const Value* first = items_.ownsBuffer() ? items_.data_ : reinterpret_cast<const Value*>(this + 1);
         for (const Value* element = first; element != first + items_.size_; ++element)
             if (element->isNode() || element->isList()) return true;
         return false;
@@ -263,6 +318,7 @@ class List : public RefCounted {
 
   private:
     friend void refRelease(const List* list) noexcept;
+    friend class Value;
     // A list with room for `count` elements after the object itself.
     static List* allocate(std::size_t count);
     static void destroy(const List* list) noexcept;
@@ -275,5 +331,11 @@ class List : public RefCounted {
     std::uint32_t inlineCapacity_ : 31 = 0;
     Values items_;
 };
+
+inline bool Value::listMayHoldContainers() const noexcept {
+    if (kind_ != Kind::List) return false;
+    if ((flags_ & kVouchedList) && vouchedEpoch() == (detail::listShapeEpoch() & kEpochMask)) return false;
+    return payload_.list->holdsContainers();
+}
 
 } // namespace morvane

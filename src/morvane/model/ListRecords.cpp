@@ -86,7 +86,7 @@ void List::copyAll(const ListPtr& list) {
     const std::size_t count = list->items_.size();
     items_.reserve(items_.size() + count);
     for (std::size_t i = 0; i < count; ++i)
-        items_.push_back(list->items_[i]);
+        items_.push_back(std::as_const(list->items_)[i]);
 }
 
 namespace {

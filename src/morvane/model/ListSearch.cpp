@@ -19,7 +19,7 @@ NodePtr List::arraySearch(std::string_view field, std::string_view c) const {
         NodePtr found;
         if (const NodePtr& node = element.node())
             found = contentsearch(node, field, c);
-        else if (const ListPtr& inner = element.list(); inner && inner->holdsContainers())
+        else if (const ListPtr& inner = element.list(); element.listMayHoldContainers())
             found = inner->arraySearch(field, c);
         if (found) return found;
     }

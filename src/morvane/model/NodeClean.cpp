@@ -36,7 +36,7 @@ NodePtr Node::removeKey(std::string_view k) const {
 ListPtr Node::removeArray(const ListPtr& list, std::string_view k) const {
     if (!list) return List::make();
     ListPtr copy = List::withCapacity(list->size());
-    for (const Value& element : list->items()) {
+    for (const Value& element : *list) {
         Value copied;
         if (const NodePtr& nested = element.node())
             copied = Value(nested->removeKey(k));
@@ -67,7 +67,7 @@ NodePtr Node::clean(std::string_view t) const {
 ListPtr Node::cleanArray(const ListPtr& list, std::string_view t) const {
     if (!list) return List::make();
     ListPtr copy = List::withCapacity(list->size());
-    for (const Value& element : list->items()) {
+    for (const Value& element : *list) {
         Value copied;
         if (const NodePtr& nested = element.node())
             copied = Value(nested->clean(t));

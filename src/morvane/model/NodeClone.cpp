@@ -33,7 +33,7 @@ NodePtr Node::deepCopyDictionary() const {
 ListPtr Node::deepCopyArray(const ListPtr& list) const {
     if (!list) return List::make();
     ListPtr copy = List::withCapacity(list->size());
-    for (const Value& element : list->items()) {
+    for (const Value& element : *list) {
         if (const NodePtr& nested = element.node())
             copy->items().emplace_back(nested->deepCopyDictionary());
         else if (const ListPtr& inner = element.list())

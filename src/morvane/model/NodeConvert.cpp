@@ -61,7 +61,7 @@ ListPtr Node::mutableArrayChange(const ListPtr& list, std::string_view path) con
     if (!list) return List::make();
     ListPtr result = List::withCapacity(keptCount(*list));
     long index = 0;
-    for (const Value& element : list->items()) {
+    for (const Value& element : *list) {
         if (const NodePtr& node = element.node()) {
             // Nested Nodes of an element take the list's path, not the indexed
             // one: only the element itself is named by its position.
@@ -99,7 +99,7 @@ NodePtr Node::mutableChange() const {
 ListPtr Node::mutableArrayChange(const ListPtr& list) const {
     if (!list) return List::make();
     ListPtr result = List::withCapacity(keptCount(*list));
-    for (const Value& element : list->items()) {
+    for (const Value& element : *list) {
         if (element.isNode())
             result->items().emplace_back(element.node()->mutableChange());
         else if (element.isList())

@@ -160,7 +160,7 @@ NodePtr Node::removeExtra(const ListPtr& keys) const {
 NodePtr Node::copyObj(const Value& keys) const {
     if (!keys.isList()) return self();
     NodePtr copy = Node::make();
-    for (const Value& key : keys.list()->items()) {
+    for (const Value& key : *keys.list()) {
         const std::string* text = key.text();
         if (!text) continue;
         const Value& value = get(*text);

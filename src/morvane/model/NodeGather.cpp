@@ -24,7 +24,7 @@ void gatherNode(const Node& node, const GatherQuery& query, std::string& out) {
     for (const auto& [key, value] : node) {
         if (const NodePtr& nested = value.node()) {
             gatherNode(*nested, query, out);
-        } else if (const ListPtr& list = value.list()) {
+        } else if (const ListPtr& list = value.list(); value.listMayHoldContainers()) {
             gatherList(*list, query, out);
         } else if (const std::string* text = value.text()) {
             if (!query.ownValueFirst && key == query.key) {
@@ -41,7 +41,7 @@ void gatherList(const List& list, const GatherQuery& query, std::string& out) {
     const std::size_t start = out.size();
     for (const Value& element : list) {
         // Only Nodes and lists that hold containers can give a piece.
-        if (element.isList() ? !element.list()->holdsContainers() : !element.isNode()) continue;
+        if (!element.isNode() && !element.listMayHoldContainers()) continue;
         const std::size_t before = out.size();
         const bool separate = before > start;
         if (separate) out += query.back;
@@ -59,7 +59,7 @@ double sumNode(const Node& node, std::string_view key) {
     for (const auto& [entryKey, value] : node) {
         if (const NodePtr& nested = value.node())
             total += sumNode(*nested, key);
-        else if (const ListPtr& list = value.list())
+        else if (const ListPtr& list = value.list(); value.listMayHoldContainers())
             total += sumList(*list, key);
         else if (const std::string* text = value.text(); text && entryKey == key)
             total += static_cast<double>(leadingFloat(*text));
@@ -72,7 +72,7 @@ double sumList(const List& list, std::string_view key) {
     for (const Value& element : list) {
         if (const NodePtr& nested = element.node())
             total += sumNode(*nested, key);
-        else if (const ListPtr& inner = element.list(); inner && inner->holdsContainers())
+        else if (const ListPtr& inner = element.list(); element.listMayHoldContainers())
             total += sumList(*inner, key);
     }
     return total;

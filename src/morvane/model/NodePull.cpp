@@ -18,7 +18,7 @@ const Value* pullFromNode(const Node& node, std::string_view key) {
         const Value* found = nullptr;
         if (const NodePtr& nested = value.node())
             found = pullFromNode(*nested, key);
-        else if (const ListPtr& list = value.list())
+        else if (const ListPtr& list = value.list(); value.listMayHoldContainers())
             found = pullFromList(*list, key);
         if (found) return found;
     }
@@ -30,7 +30,7 @@ const Value* pullFromList(const List& list, std::string_view key) {
         const Value* found = nullptr;
         if (const NodePtr& nested = element.node())
             found = pullFromNode(*nested, key);
-        else if (const ListPtr& inner = element.list(); inner && inner->holdsContainers())
+        else if (const ListPtr& inner = element.list(); element.listMayHoldContainers())
             found = pullFromList(*inner, key);
         if (found) return found;
     }

@@ -39,7 +39,7 @@ class Purge {
             // searched: most entries of a feed or catalogue are numbers,
             // flags and nulls.
             if (value.isList()) {
-                list(*value.list(), active);
+                if (value.listMayHoldContainers()) list(*value.list(), active);
                 ++i;
                 continue;
             }
@@ -61,11 +61,10 @@ class Purge {
     }
 
     void list(const List& list, Active active) const {
-        if (!list.holdsContainers()) return;
         for (const Value& element : list) {
             if (element.isNode())
                 node(*element.node(), active);
-            else if (element.isList())
+            else if (element.listMayHoldContainers())
                 this->list(*element.list(), active);
         }
     }

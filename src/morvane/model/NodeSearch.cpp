@@ -38,10 +38,8 @@ Value searchKeysInList(const List& list, const KeyQuery& query, bool hostReadOnl
             const Node& nested = *element.node();
             if (!query.enters(hostReadOnly, nested)) continue;
             if (Value found = searchKeysIn(nested, query)) return found;
-        } else if (element.isList()) {
-            const List& inner = *element.list();
-            if (!inner.holdsContainers()) continue; // nothing to search in
-            if (Value found = searchKeysInList(inner, query, hostReadOnly)) return found;
+        } else if (element.listMayHoldContainers()) { // else nothing to search in
+            if (Value found = searchKeysInList(*element.list(), query, hostReadOnly)) return found;
         }
     }
     return {};
@@ -56,7 +54,7 @@ Value searchKeysIn(const Node& node, const KeyQuery& query) {
         if (const NodePtr& nested = value.node()) {
             if (!query.enters(node.isReadOnly(), *nested)) continue;
             if (Value found = searchKeysIn(*nested, query)) return found;
-        } else if (const ListPtr& list = value.list()) {
+        } else if (const ListPtr& list = value.list(); value.listMayHoldContainers()) {
             if (Value found = searchKeysInList(*list, query, node.isReadOnly())) return found;
         }
     }
@@ -85,7 +83,7 @@ NodePtr searchNodesInList(const List& list, const NodeQuery& query) {
         if (const NodePtr& nested = element.node()) {
             // The element that holds the hit, not the hit.
             if (searchNodesIn(*nested, query)) return nested;
-        } else if (const ListPtr& inner = element.list(); inner && inner->holdsContainers()) {
+        } else if (const ListPtr& inner = element.list(); element.listMayHoldContainers()) {
             if (NodePtr found = searchNodesInList(*inner, query)) return found;
         }
     }
@@ -105,7 +103,7 @@ NodePtr searchNodesIn(const Node& node, const NodeQuery& query) {
         if (const NodePtr& nested = value.node()) {
             if (query.matches(key)) return nested;
             if (NodePtr found = searchNodesIn(*nested, query)) return found;
-        } else if (const ListPtr& list = value.list()) {
+        } else if (const ListPtr& list = value.list(); value.listMayHoldContainers()) {
             if (NodePtr found = searchNodesInList(*list, query)) return found;
         }
     }

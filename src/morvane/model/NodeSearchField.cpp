@@ -30,7 +30,7 @@ NodePtr contentInChildren(const Node& node, const ContentQuery& query) {
         if (const NodePtr& nested = value.node()) {
             if (query.holds(*nested)) return nested;
             if (NodePtr found = contentInChildren(*nested, query)) return found;
-        } else if (const ListPtr& list = value.list()) {
+        } else if (const ListPtr& list = value.list(); value.listMayHoldContainers()) {
             if (NodePtr found = contentInList(*list, query)) return found;
         }
     }
@@ -42,7 +42,7 @@ NodePtr contentInList(const List& list, const ContentQuery& query) {
         if (const NodePtr& nested = element.node()) {
             if (query.holds(*nested)) return nested;
             if (NodePtr found = contentInChildren(*nested, query)) return found;
-        } else if (const ListPtr& inner = element.list(); inner && inner->holdsContainers()) {
+        } else if (const ListPtr& inner = element.list(); element.listMayHoldContainers()) {
             if (NodePtr found = contentInList(*inner, query)) return found;
         }
     }
@@ -71,7 +71,7 @@ NodePtr fieldInChildren(const Node& node, const FieldQuery& query) {
             if (key == query.field) return nested;
             if (query.holds(*nested)) return nested;
             if (NodePtr found = fieldInChildren(*nested, query)) return found;
-        } else if (const ListPtr& list = value.list()) {
+        } else if (const ListPtr& list = value.list(); value.listMayHoldContainers()) {
             if (NodePtr found = fieldInList(*list, query)) return found;
         }
     }
@@ -83,7 +83,7 @@ NodePtr fieldInList(const List& list, const FieldQuery& query) {
         if (const NodePtr& nested = element.node()) {
             if (query.holds(*nested)) return nested;
             if (NodePtr found = fieldInChildren(*nested, query)) return found;
-        } else if (const ListPtr& inner = element.list(); inner && inner->holdsContainers()) {
+        } else if (const ListPtr& inner = element.list(); element.listMayHoldContainers()) {
             if (NodePtr found = fieldInList(*inner, query)) return found;
         }
     }

@@ -3,6 +3,7 @@
 #include <morvane/model/Value.h>
 
 #include <charconv>
+#include <utility>
 
 namespace morvane {
 
@@ -16,6 +17,14 @@ Value::Value(NodePtr node) noexcept {
 
 Value::Value(ListPtr list) noexcept {
     if (!list) return;
+    // The epoch is read before the elements: a change made after this point
+    // moves it past what is remembered here.
+    const std::uint64_t epoch = detail::listShapeEpoch() & kEpochMask;
+    if (std::as_const(*list).items_.vouch(list.use_count() == 1)) {
+        flags_ |= kVouchedList;
+        epochHigh_ = static_cast<std::uint16_t>(epoch >> 32);
+        epochLow_ = static_cast<std::uint32_t>(epoch);
+    }
     std::construct_at(&payload_.list, std::move(list));
     kind_ = Kind::List;
 }
@@ -31,7 +40,7 @@ std::string Value::toText() const {
     case Kind::Text:
         return *text();
     case Kind::Number: {
-        if (fromBool_) return payload_.number != 0.0 ? "1" : "0";
+        if (flags_ & kFromBool) return payload_.number != 0.0 ? "1" : "0";
         char buffer[32];
         auto result = std::to_chars(buffer, buffer + sizeof buffer, payload_.number);
         return std::string(buffer, result.ptr);

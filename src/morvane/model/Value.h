@@ -47,7 +47,7 @@ class Value {
     Value(unsigned number) noexcept : Value(static_cast<double>(number)) {}
     Value(unsigned long number) noexcept : Value(static_cast<double>(number)) {}
     Value(unsigned long long number) noexcept : Value(static_cast<double>(number)) {}
-    Value(bool flag) noexcept : kind_(Kind::Number), fromBool_(true) { payload_.number = flag ? 1.0 : 0.0; }
+    Value(bool flag) noexcept : kind_(Kind::Number), flags_(kFromBool) { payload_.number = flag ? 1.0 : 0.0; }
     Value(std::string text) : kind_(Kind::Text) { payload_.text = new TextBlock{{1}, std::move(text)}; }
     Value(std::string_view text) : Value(std::string(text)) {}
     Value(const char* text) : Value(std::string(text ? text : "")) {}
@@ -57,11 +57,13 @@ class Value {
     // A Value holding a raw pointer would silently become a flag; refuse it.
     Value(const void*) = delete;
 
-    Value(const Value& other) noexcept : kind_(other.kind_), fromBool_(other.fromBool_) {
+    Value(const Value& other) noexcept
+        : kind_(other.kind_), flags_(other.flags_), epochHigh_(other.epochHigh_), epochLow_(other.epochLow_) {
         payload_.bits = other.payload_.bits;
         retain();
     }
-    Value(Value&& other) noexcept : kind_(other.kind_), fromBool_(other.fromBool_) {
+    Value(Value&& other) noexcept
+        : kind_(other.kind_), flags_(other.flags_), epochHigh_(other.epochHigh_), epochLow_(other.epochLow_) {
         payload_.bits = other.payload_.bits;
         other.kind_ = Kind::Absent;
     }
@@ -81,7 +83,9 @@ class Value {
     void swap(Value& other) noexcept {
         std::swap(payload_.bits, other.payload_.bits);
         std::swap(kind_, other.kind_);
-        std::swap(fromBool_, other.fromBool_);
+        std::swap(flags_, other.flags_);
+        std::swap(epochHigh_, other.epochHigh_);
+        std::swap(epochLow_, other.epochLow_);
     }
     friend void swap(Value& a, Value& b) noexcept { a.swap(b); }
 
@@ -98,7 +102,7 @@ class Value {
     bool isAbsent() const noexcept { return kind_ == Kind::Absent; }
     bool isNull() const noexcept { return kind_ == Kind::Null; }
     bool isNumber() const noexcept { return kind_ == Kind::Number; }
-    bool isBool() const noexcept { return kind_ == Kind::Number && fromBool_; }
+    bool isBool() const noexcept { return kind_ == Kind::Number && (flags_ & kFromBool); }
     bool isText() const noexcept { return kind_ == Kind::Text; }
     bool isNode() const noexcept { return kind_ == Kind::Node; }
     bool isList() const noexcept { return kind_ == Kind::List; }
@@ -121,6 +125,13 @@ class Value {
     const std::shared_ptr<Object>& objectPtr() const noexcept {
         return kind_ == Kind::Object ? payload_.object->value : kNoObject;
     }
+    // For a list: false when the list is known to hold no Node or list, so a
+    // walk can pass it by. A Value made from a small list of numbers and
+    // texts remembers that it found none there, for as long as nothing could
+    // have put a container into the list since (see Values in List.h); then
+    // the list itself is not read. False for everything but a list.
+    bool listMayHoldContainers() const noexcept;
+
     // The carried object if it is a T, or nullptr.
     template <typename T> const T* as() const {
         auto* boxed = dynamic_cast<const Boxed<T>*>(objectPtr().get());
@@ -171,8 +182,18 @@ class Value {
     static inline const std::shared_ptr<Object> kNoObject;
 
     Payload payload_;
+    static constexpr std::uint8_t kFromBool = 1;
+    // A list that held no Node or list when the epoch below was current.
+    static constexpr std::uint8_t kVouchedList = 2;
+    static constexpr std::uint64_t kEpochMask = (std::uint64_t{1} << 48) - 1;
+    std::uint64_t vouchedEpoch() const noexcept { return std::uint64_t{epochHigh_} << 32 | epochLow_; }
+
+    // The second word: the kind, the flags and, for a vouched list, the low
+    // 48 bits of the epoch it was vouched in.
     Kind kind_ = Kind::Absent;
-    bool fromBool_ = false;
+    std::uint8_t flags_ = 0;
+    std::uint16_t epochHigh_ = 0;
+    std::uint32_t epochLow_ = 0;
 };
 
 inline void Value::retain() const noexcept {
