@@ -92,13 +92,6 @@ void Values::clear() noexcept {
     size_ = 0;
 }
 
-void Values::assign(std::vector<Value>&& values) {
-    clear();
-    reserve(values.size());
-    for (Value& value : values)
-        emplace_back(std::move(value));
-}
-
 // ---- List ------------------------------------------------------------------
 
 void refRetain(const List* list) noexcept {
@@ -133,9 +126,7 @@ void List::destroy(const List* list) noexcept {
 }
 
 List::List(std::initializer_list<Value> items) {
-    items_.reserve(items.size());
-    for (const Value& value : items)
-        items_.push_back(value);
+    items_.append(items.begin(), items.end());
 }
 
 List::List(std::vector<Value> items) {
@@ -143,20 +134,18 @@ List::List(std::vector<Value> items) {
 }
 
 ListPtr List::make() {
-    return ListPtr(allocate(0), ListPtr::Adopt{});
+    return withCapacity(0);
 }
 
 ListPtr List::make(std::initializer_list<Value> items) {
-    ListPtr list(allocate(items.size()), ListPtr::Adopt{});
-    for (const Value& value : items)
-        list->items_.push_back(value);
+    ListPtr list = withCapacity(items.size());
+    list->items_.append(items.begin(), items.end());
     return list;
 }
 
 ListPtr List::make(std::vector<Value> items) {
-    ListPtr list(allocate(items.size()), ListPtr::Adopt{});
-    for (Value& value : items)
-        list->items_.push_back(std::move(value));
+    ListPtr list = withCapacity(items.size());
+    list->items_.assign(std::move(items));
     return list;
 }
 
@@ -198,8 +187,7 @@ void List::clear() {
 
 ListPtr List::shallowCopy() const {
     ListPtr copy = withCapacity(items_.size());
-    for (const Value& value : items_)
-        copy->items_.push_back(value);
+    copy->items_.append(items_.begin(), items_.end());
     return copy;
 }
 

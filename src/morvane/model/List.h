@@ -12,6 +12,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <initializer_list>
+#include <iterator>
 #include <memory>
 #include <string>
 #include <string_view>
@@ -89,8 +90,18 @@ class Values {
     iterator erase(const_iterator position);
     iterator erase(const_iterator first, const_iterator last);
     void clear() noexcept;
+    // Appends copies of a range (its values, through move iterators). The
+    // range must not lie in these elements unless room was reserved first.
+    template <typename Iterator> void append(Iterator first, Iterator last) {
+        reserve(size_ + static_cast<std::size_t>(std::distance(first, last)));
+        for (; first != last; ++first)
+            emplace_back(*first);
+    }
     // Replaces the contents with the given values, in order.
-    void assign(std::vector<Value>&& values);
+    void assign(std::vector<Value>&& values) {
+        clear();
+        append(std::make_move_iterator(values.begin()), std::make_move_iterator(values.end()));
+    }
     // Removes the elements `remove` holds true for, keeping the order of the
     // rest; returns how many went.
     template <typename Predicate> std::size_t eraseIf(Predicate remove) {
@@ -169,13 +180,9 @@ class List : public RefCounted {
     // True if some element is a Node or a list. The tree walks ask it before
     // entering a list: most lists of a geometry file hold only numbers.
     bool holdsContainers() const {
-        // Elements still in the list's own block are found from the list's
-        // address, not through the element pointer: one memory access less
-        // before the elements can be read, for each of those small lists.
-        const Value* first = items_.ownsBuffer() ? items_.data_ : reinterpret_cast<const Value*>(this + 1);
-        for (const Value* element = first; element != first + items_.size_; ++element)
-            if (element->isNode() || element->isList()) return true;
-        return false;
+        const Values& elements = items_;
+        return std::any_of(elements.begin(), elements.end(),
+                           [](const Value& element) { return element.isNode() || element.isList(); });
     }
     // The element at a position; the absent value past the end.
     const Value& at(std::size_t index) const;
@@ -333,8 +340,8 @@ class List : public RefCounted {
 };
 
 inline bool Value::listMayHoldContainers() const noexcept {
-    if (kind_ != Kind::List) return false;
-    if ((flags_ & kVouchedList) && vouchedEpoch() == (detail::listShapeEpoch() & kEpochMask)) return false;
+    if (tag_.kind != Kind::List) return false;
+    if ((tag_.flags & kVouchedList) && tag_.epoch() == (detail::listShapeEpoch() & kEpochMask)) return false;
     return payload_.list->holdsContainers();
 }
 

@@ -10,7 +10,6 @@
 #include <cstdio>
 #include <ctime>
 #include <set>
-#include <utility>
 
 namespace morvane {
 
@@ -83,10 +82,11 @@ long List::countItem(std::string_view f, std::string_view v) const {
 void List::copyAll(const ListPtr& list) {
     if (!list || readOnly_) return;
     // Copy first: the list may be this list.
-    const std::size_t count = list->items_.size();
+    // Room first: the list may be this list, whose elements then stay put.
+    const Values& added = list->items_;
+    const std::size_t count = added.size();
     items_.reserve(items_.size() + count);
-    for (std::size_t i = 0; i < count; ++i)
-        items_.push_back(std::as_const(list->items_)[i]);
+    items_.append(added.begin(), added.begin() + count);
 }
 
 namespace {

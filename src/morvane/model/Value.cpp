@@ -12,7 +12,7 @@ static_assert(sizeof(Value) == 16, "a Value is two words; see Value::Payload");
 Value::Value(NodePtr node) noexcept {
     if (!node) return;
     std::construct_at(&payload_.node, std::move(node));
-    kind_ = Kind::Node;
+    tag_.kind = Kind::Node;
 }
 
 Value::Value(ListPtr list) noexcept {
@@ -21,18 +21,18 @@ Value::Value(ListPtr list) noexcept {
     // moves it past what is remembered here.
     const std::uint64_t epoch = detail::listShapeEpoch() & kEpochMask;
     if (std::as_const(*list).items_.vouch(list.use_count() == 1)) {
-        flags_ |= kVouchedList;
-        epochHigh_ = static_cast<std::uint16_t>(epoch >> 32);
-        epochLow_ = static_cast<std::uint32_t>(epoch);
+        tag_.flags |= kVouchedList;
+        tag_.epochHigh = static_cast<std::uint16_t>(epoch >> 32);
+        tag_.epochLow = static_cast<std::uint32_t>(epoch);
     }
     std::construct_at(&payload_.list, std::move(list));
-    kind_ = Kind::List;
+    tag_.kind = Kind::List;
 }
 
 Value::Value(std::shared_ptr<Object> object) {
     if (!object) return;
-    payload_.object = new ObjectBlock{{1}, std::move(object)};
-    kind_ = Kind::Object;
+    payload_.object = new ObjectBlock(std::move(object));
+    tag_.kind = Kind::Object;
 }
 
 std::string Value::toText() const {
@@ -40,7 +40,7 @@ std::string Value::toText() const {
     case Kind::Text:
         return *text();
     case Kind::Number: {
-        if (flags_ & kFromBool) return payload_.number != 0.0 ? "1" : "0";
+        if (tag_.flags & kFromBool) return payload_.number != 0.0 ? "1" : "0";
         char buffer[32];
         auto result = std::to_chars(buffer, buffer + sizeof buffer, payload_.number);
         return std::string(buffer, result.ptr);

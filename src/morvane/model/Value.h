@@ -40,15 +40,15 @@ class Value {
     enum class Kind : std::uint8_t { Absent, Null, Number, Text, Node, List, Object };
 
     Value() noexcept { payload_.bits = 0; } // absent
-    Value(double number) noexcept : kind_(Kind::Number) { payload_.number = number; }
+    Value(double number) noexcept : tag_{Kind::Number} { payload_.number = number; }
     Value(int number) noexcept : Value(static_cast<double>(number)) {}
     Value(long number) noexcept : Value(static_cast<double>(number)) {}
     Value(long long number) noexcept : Value(static_cast<double>(number)) {}
     Value(unsigned number) noexcept : Value(static_cast<double>(number)) {}
     Value(unsigned long number) noexcept : Value(static_cast<double>(number)) {}
     Value(unsigned long long number) noexcept : Value(static_cast<double>(number)) {}
-    Value(bool flag) noexcept : kind_(Kind::Number), flags_(kFromBool) { payload_.number = flag ? 1.0 : 0.0; }
-    Value(std::string text) : kind_(Kind::Text) { payload_.text = new TextBlock{{1}, std::move(text)}; }
+    Value(bool flag) noexcept : tag_{Kind::Number, kFromBool} { payload_.number = flag ? 1.0 : 0.0; }
+    Value(std::string text) : tag_{Kind::Text} { payload_.text = new TextBlock(std::move(text)); }
     Value(std::string_view text) : Value(std::string(text)) {}
     Value(const char* text) : Value(std::string(text ? text : "")) {}
     Value(NodePtr node) noexcept;
@@ -57,15 +57,13 @@ class Value {
     // A Value holding a raw pointer would silently become a flag; refuse it.
     Value(const void*) = delete;
 
-    Value(const Value& other) noexcept
-        : kind_(other.kind_), flags_(other.flags_), epochHigh_(other.epochHigh_), epochLow_(other.epochLow_) {
+    Value(const Value& other) noexcept : tag_(other.tag_) {
         payload_.bits = other.payload_.bits;
         retain();
     }
-    Value(Value&& other) noexcept
-        : kind_(other.kind_), flags_(other.flags_), epochHigh_(other.epochHigh_), epochLow_(other.epochLow_) {
+    Value(Value&& other) noexcept : tag_(other.tag_) {
         payload_.bits = other.payload_.bits;
-        other.kind_ = Kind::Absent;
+        other.tag_.kind = Kind::Absent;
     }
     Value& operator=(const Value& other) noexcept {
         Value copy(other);
@@ -78,52 +76,51 @@ class Value {
         return *this;
     }
     ~Value() {
-        if (kind_ >= Kind::Text) release();
+        if (tag_.kind >= Kind::Text) release();
     }
     void swap(Value& other) noexcept {
         std::swap(payload_.bits, other.payload_.bits);
-        std::swap(kind_, other.kind_);
-        std::swap(flags_, other.flags_);
-        std::swap(epochHigh_, other.epochHigh_);
-        std::swap(epochLow_, other.epochLow_);
+        std::swap(tag_, other.tag_);
     }
     friend void swap(Value& a, Value& b) noexcept { a.swap(b); }
 
     static Value null() noexcept {
         Value v;
-        v.kind_ = Kind::Null;
+        v.tag_.kind = Kind::Null;
         return v;
     }
     template <typename T> static Value object(T value) {
         return Value(std::shared_ptr<Object>(std::make_shared<Boxed<T>>(std::move(value))));
     }
 
-    Kind kind() const noexcept { return kind_; }
-    bool isAbsent() const noexcept { return kind_ == Kind::Absent; }
-    bool isNull() const noexcept { return kind_ == Kind::Null; }
-    bool isNumber() const noexcept { return kind_ == Kind::Number; }
-    bool isBool() const noexcept { return kind_ == Kind::Number && (flags_ & kFromBool); }
-    bool isText() const noexcept { return kind_ == Kind::Text; }
-    bool isNode() const noexcept { return kind_ == Kind::Node; }
-    bool isList() const noexcept { return kind_ == Kind::List; }
-    bool isObject() const noexcept { return kind_ == Kind::Object; }
+    Kind kind() const noexcept { return tag_.kind; }
+    bool isAbsent() const noexcept { return tag_.kind == Kind::Absent; }
+    bool isNull() const noexcept { return tag_.kind == Kind::Null; }
+    bool isNumber() const noexcept { return tag_.kind == Kind::Number; }
+    bool isBool() const noexcept { return tag_.kind == Kind::Number && (tag_.flags & kFromBool); }
+    bool isText() const noexcept { return tag_.kind == Kind::Text; }
+    bool isNode() const noexcept { return tag_.kind == Kind::Node; }
+    bool isList() const noexcept { return tag_.kind == Kind::List; }
+    bool isObject() const noexcept { return tag_.kind == Kind::Object; }
     // True for everything but the absent value.
-    explicit operator bool() const noexcept { return kind_ != Kind::Absent; }
+    explicit operator bool() const noexcept { return tag_.kind != Kind::Absent; }
 
     // The number, or 0 when this is not a number.
-    double number() const noexcept { return kind_ == Kind::Number ? payload_.number : 0.0; }
+    double number() const noexcept { return tag_.kind == Kind::Number ? payload_.number : 0.0; }
     bool boolean() const noexcept { return number() != 0.0; }
     // The text, or nullptr when this is not a text.
-    const std::string* text() const noexcept { return kind_ == Kind::Text ? &payload_.text->value : nullptr; }
+    const std::string* text() const noexcept {
+        return tag_.kind == Kind::Text ? &payload_.text->value : nullptr;
+    }
     // The text, or "" when this is not a text.
     const std::string& textOr() const noexcept {
-        return kind_ == Kind::Text ? payload_.text->value : kNoText;
+        return tag_.kind == Kind::Text ? payload_.text->value : kNoText;
     }
     // The Node or list, or nullptr. (Inline: the tree walks ask every value.)
-    const NodePtr& node() const noexcept { return kind_ == Kind::Node ? payload_.node : kNoNode; }
-    const ListPtr& list() const noexcept { return kind_ == Kind::List ? payload_.list : kNoList; }
+    const NodePtr& node() const noexcept { return tag_.kind == Kind::Node ? payload_.node : kNoNode; }
+    const ListPtr& list() const noexcept { return tag_.kind == Kind::List ? payload_.list : kNoList; }
     const std::shared_ptr<Object>& objectPtr() const noexcept {
-        return kind_ == Kind::Object ? payload_.object->value : kNoObject;
+        return tag_.kind == Kind::Object ? payload_.object->value : kNoObject;
     }
     // For a list: false when the list is known to hold no Node or list, so a
     // walk can pass it by. A Value made from a small list of numbers and
@@ -151,8 +148,8 @@ class Value {
     // Texts and opaque objects live in counted blocks: a text never changes
     // once made, so copies of a Value (and deep copies of a tree, which only
     // build new containers) share the block instead of copying the characters.
-    template <typename T> struct Block {
-        std::atomic<std::uint32_t> references;
+    template <typename T> struct Block : RefCounted {
+        explicit Block(T made) : value(std::move(made)) { adoptRef(); }
         T value;
     };
     using TextBlock = Block<std::string>;
@@ -181,25 +178,30 @@ class Value {
     static inline const ListPtr kNoList;
     static inline const std::shared_ptr<Object> kNoObject;
 
-    Payload payload_;
     static constexpr std::uint8_t kFromBool = 1;
-    // A list that held no Node or list when the epoch below was current.
+    // A list that held no Node or list when the epoch of the tag was current.
     static constexpr std::uint8_t kVouchedList = 2;
     static constexpr std::uint64_t kEpochMask = (std::uint64_t{1} << 48) - 1;
-    std::uint64_t vouchedEpoch() const noexcept { return std::uint64_t{epochHigh_} << 32 | epochLow_; }
 
     // The second word: the kind, the flags and, for a vouched list, the low
-    // 48 bits of the epoch it was vouched in.
-    Kind kind_ = Kind::Absent;
-    std::uint8_t flags_ = 0;
-    std::uint16_t epochHigh_ = 0;
-    std::uint32_t epochLow_ = 0;
+    // 48 bits of the epoch it was vouched in. Copied and swapped whole.
+    struct Tag {
+        Kind kind = Kind::Absent;
+        std::uint8_t flags = 0;
+        std::uint16_t epochHigh = 0;
+        std::uint32_t epochLow = 0;
+
+        std::uint64_t epoch() const noexcept { return std::uint64_t{epochHigh} << 32 | epochLow; }
+    };
+
+    Payload payload_;
+    Tag tag_;
 };
 
 inline void Value::retain() const noexcept {
-    switch (kind_) {
+    switch (tag_.kind) {
     case Kind::Text:
-        payload_.text->references.fetch_add(1, std::memory_order_relaxed);
+        payload_.text->retainRef();
         break;
     case Kind::Node:
         refRetain(payload_.node.get());
@@ -208,7 +210,7 @@ inline void Value::retain() const noexcept {
         refRetain(payload_.list.get());
         break;
     case Kind::Object:
-        payload_.object->references.fetch_add(1, std::memory_order_relaxed);
+        payload_.object->retainRef();
         break;
     default:
         break;
@@ -216,9 +218,9 @@ inline void Value::retain() const noexcept {
 }
 
 inline void Value::release() noexcept {
-    switch (kind_) {
+    switch (tag_.kind) {
     case Kind::Text:
-        if (payload_.text->references.fetch_sub(1, std::memory_order_acq_rel) == 1) delete payload_.text;
+        if (payload_.text->releaseRef()) delete payload_.text;
         break;
     case Kind::Node:
         std::destroy_at(&payload_.node);
@@ -227,7 +229,7 @@ inline void Value::release() noexcept {
         std::destroy_at(&payload_.list);
         break;
     case Kind::Object:
-        if (payload_.object->references.fetch_sub(1, std::memory_order_acq_rel) == 1) delete payload_.object;
+        if (payload_.object->releaseRef()) delete payload_.object;
         break;
     default:
         break;
