@@ -104,9 +104,8 @@ void UITblCell::addImage(std::optional<std::string_view> name, std::optional<std
 }
 
 void UITblCell::showLoaded(const gfx::Image& image) {
-    const gfx::Size size = image.size();
-    const double ratio = size.height > 0 ? size.width / size.height : 0;
-    if (ratio < kTallRatio) {
+    const ZBImageModel::Shape shape = ZBImageModel::shapeOf(image);
+    if (shape == ZBImageModel::Shape::Tall) {
         photo_->setContentMode(gfx::ContentMode::AspectFit);
         // A picture whose corners disagree sits on clear; one that cannot be read keeps the old backdrop.
         if (auto corners = GColor::cornersColor(image)) photo_->setBackgroundColor(*corners);
@@ -114,14 +113,10 @@ void UITblCell::showLoaded(const gfx::Image& image) {
     } else {
         // Only tall pictures get a backdrop; a reused cell drops the last one.
         photo_->setBackgroundColor(gfx::Color::clearColor());
-        if (ratio == 1.0) {
-            photo_->setContentMode(gfx::ContentMode::AspectFit);
-            photo_->setClipsToBounds(false);
-        } else {
-            photo_->setContentMode(ratio < kWideRatio ? gfx::ContentMode::AspectFit
-                                                      : gfx::ContentMode::AspectFill);
-            photo_->setClipsToBounds(true);
-        }
+        photo_->setContentMode(shape == ZBImageModel::Shape::Wide ? gfx::ContentMode::AspectFill
+                                                                  : gfx::ContentMode::AspectFit);
+        // An exactly square picture is shown whole, unclipped.
+        photo_->setClipsToBounds(shape != ZBImageModel::Shape::Square);
     }
     photo_->setImage(image);
     showProgress(false);

@@ -38,10 +38,6 @@ namespace morvane {
 
 class UITblCell : public ui::TableViewCell {
   public:
-    // Pictures narrower than this (width / height) are tall: fitted on their corner colour.
-    static constexpr double kTallRatio = 0.8;
-    // Pictures at least this wide fill the circle; those in between are fitted.
-    static constexpr double kWideRatio = 1.2;
     // The gap left and right of the content, and the mask's inset above and below.
     static constexpr double kSideInset = 5;
     static constexpr double kTopInset = 2.5;

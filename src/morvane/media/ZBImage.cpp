@@ -34,16 +34,13 @@ void ZBImage::addImage(std::optional<std::string_view> name, std::optional<std::
 }
 
 void ZBImage::showLoaded(const gfx::Image& image) {
-    const gfx::Size size = image.size();
-    const double ratio = size.height > 0 ? size.width / size.height : 0;
-    if (ratio < kTallRatio) {
+    const ZBImageModel::Shape shape = ZBImageModel::shapeOf(image);
+    if (shape == ZBImageModel::Shape::Tall) {
         imageView_->setContentMode(gfx::ContentMode::AspectFit);
         if (auto corners = GColor::cornersColor(image)) imageView_->setBackgroundColor(*corners);
-    } else if (ratio < kWideRatio) {
-        imageView_->setContentMode(gfx::ContentMode::AspectFit);
-        imageView_->setBackgroundColor(gfx::Color::clearColor());
     } else {
-        imageView_->setContentMode(gfx::ContentMode::AspectFill);
+        imageView_->setContentMode(shape == ZBImageModel::Shape::Wide ? gfx::ContentMode::AspectFill
+                                                                      : gfx::ContentMode::AspectFit);
         imageView_->setBackgroundColor(gfx::Color::clearColor());
     }
     imageView_->setImage(image);

@@ -26,11 +26,6 @@ namespace morvane {
 
 class ZBImage : public ui::View {
   public:
-    // Pictures narrower than this (width / height) are tall: fitted, on their corner colour.
-    static constexpr double kTallRatio = 0.8;
-    // Pictures at least this wide are filled; those in between are fitted.
-    static constexpr double kWideRatio = 1.2;
-
     // initWithFrame: the frame, with the brown colour (which is not applied).
     explicit ZBImage(const gfx::Rect& frame = {});
     // initWithColor: builds the view; the colour is not applied.

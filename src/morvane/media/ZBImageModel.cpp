@@ -66,6 +66,14 @@ void ZBImageModel::loadOnMain(std::optional<std::string_view> name, std::optiona
     });
 }
 
+ZBImageModel::Shape ZBImageModel::shapeOf(const gfx::Image& image) {
+    const gfx::Size size = image.size();
+    const double ratio = size.height > 0 ? size.width / size.height : 0;
+    if (ratio < 0.8) return Shape::Tall;
+    if (ratio == 1.0) return Shape::Square;
+    return ratio < 1.2 ? Shape::NearSquare : Shape::Wide;
+}
+
 void ZBImageModel::taskWithName(std::optional<std::string_view> name, std::optional<std::string_view> date,
                                 Callback local) {
     const gfx::Image resource = name ? ResourcePictures::named(*name) : gfx::Image();

@@ -63,6 +63,12 @@ class ZBImageModel {
     static void loadOnMain(std::optional<std::string_view> name, std::optional<std::string_view> date,
                            std::function<void(const gfx::Image&)> show);
 
+    // How the views place a picture, by its width / height: under 0.8 it is
+    // tall (fitted, on its own corner colour), exactly 1 square, under 1.2
+    // near square (fitted); anything wider fills the frame.
+    enum class Shape { Tall, Square, NearSquare, Wide };
+    static Shape shapeOf(const gfx::Image& image);
+
     static gfx::Image maskedImage(const gfx::Image& image, const gfx::Color& color);
     // The cache sweep (ZBImageCut::cleanup).
     void cleanup() const { imageFM_.cleanup(); }
