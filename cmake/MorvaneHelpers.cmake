@@ -35,3 +35,11 @@ function(morvane_bench name)
     MORVANE_SOURCE_DIR="${PROJECT_SOURCE_DIR}"
     MORVANE_SHARED_DATA_DIR="${MORVANE_SHARED_DATA_DIR}")
 endfunction()
+
+# morvane_layer_sources(): every .cpp file of the calling layer folder, in
+# every subfolder (ui/core, ui/controls, detail/ ...), belongs to the library.
+# Recursive on purpose: a new subfolder cannot be silently left out.
+function(morvane_layer_sources)
+  file(GLOB_RECURSE sources CONFIGURE_DEPENDS ${CMAKE_CURRENT_SOURCE_DIR}/*.cpp)
+  target_sources(morvane PRIVATE ${sources})
+endfunction()

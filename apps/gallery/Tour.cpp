@@ -7,8 +7,8 @@
 #include <morvane/lists/UITblCell.h>
 #include <morvane/model/List.h>
 #include <morvane/model/Node.h>
-#include <morvane/ui/HeadlessHost.h>
-#include <morvane/ui/Window.h>
+#include <morvane/ui/hosts/HeadlessHost.h>
+#include <morvane/ui/core/Window.h>
 
 #include <algorithm>
 #include <chrono>

@@ -12,8 +12,8 @@
 
 #include <morvane/lists/UITbl.h>
 #include <morvane/model/Forward.h>
-#include <morvane/ui/Label.h>
-#include <morvane/ui/View.h>
+#include <morvane/ui/controls/Label.h>
+#include <morvane/ui/core/View.h>
 
 #include <functional>
 #include <memory>

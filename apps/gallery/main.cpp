@@ -7,8 +7,8 @@
 
 #include <morvane/sys/App.h>
 #include <morvane/sys/Queue.h>
-#include <morvane/ui/Window.h>
-#include <morvane/ui/WindowHost.h>
+#include <morvane/ui/core/Window.h>
+#include <morvane/ui/hosts/WindowHost.h>
 
 #include <cstdlib>
 #include <filesystem>

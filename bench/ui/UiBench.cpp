@@ -5,10 +5,10 @@
 #include <morvane/gfx/Canvas.h>
 #include <morvane/gfx/ImageContext.h>
 #include <morvane/sys/Clock.h>
-#include <morvane/ui/Label.h>
-#include <morvane/ui/Renderer.h>
-#include <morvane/ui/Window.h>
-#include <morvane/ui/WindowHost.h>
+#include <morvane/ui/controls/Label.h>
+#include <morvane/ui/core/Renderer.h>
+#include <morvane/ui/core/Window.h>
+#include <morvane/ui/hosts/WindowHost.h>
 
 #include <algorithm>
 #include <chrono>

@@ -5,12 +5,12 @@
 
 #include <morvane/gfx/Canvas.h>
 #include <morvane/gfx/ImageContext.h>
-#include <morvane/ui/CollectionView.h>
-#include <morvane/ui/HeadlessHost.h>
-#include <morvane/ui/Label.h>
-#include <morvane/ui/Renderer.h>
-#include <morvane/ui/TableView.h>
-#include <morvane/ui/Window.h>
+#include <morvane/ui/collections/CollectionView.h>
+#include <morvane/ui/hosts/HeadlessHost.h>
+#include <morvane/ui/controls/Label.h>
+#include <morvane/ui/core/Renderer.h>
+#include <morvane/ui/collections/TableView.h>
+#include <morvane/ui/core/Window.h>
 
 #include <algorithm>
 #include <chrono>

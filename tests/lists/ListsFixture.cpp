@@ -1,7 +1,7 @@
 #include "ListsFixture.h"
 
 #include <morvane/sys/Queue.h>
-#include <morvane/ui/Window.h>
+#include <morvane/ui/core/Window.h>
 
 namespace morvane::test {
 

@@ -11,7 +11,7 @@
 #include <morvane/lists/UITblCell.h>
 #include <morvane/model/List.h>
 #include <morvane/model/Node.h>
-#include <morvane/ui/HeadlessHost.h>
+#include <morvane/ui/hosts/HeadlessHost.h>
 
 #include <gtest/gtest.h>
 

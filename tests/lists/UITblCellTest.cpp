@@ -4,7 +4,7 @@
 
 #include <morvane/gfx/Font.h>
 #include <morvane/gfx/TextMetrics.h>
-#include <morvane/ui/Window.h>
+#include <morvane/ui/core/Window.h>
 
 #include <algorithm>
 #include <cmath>

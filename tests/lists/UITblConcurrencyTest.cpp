@@ -6,9 +6,9 @@
 #include "LoopbackServer.h"
 
 #include <morvane/sys/Queue.h>
-#include <morvane/ui/Label.h>
-#include <morvane/ui/TextView.h>
-#include <morvane/ui/Window.h>
+#include <morvane/ui/controls/Label.h>
+#include <morvane/ui/text/TextView.h>
+#include <morvane/ui/core/Window.h>
 
 #include <atomic>
 #include <thread>

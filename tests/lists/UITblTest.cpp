@@ -3,9 +3,9 @@
 #include "ListsFixture.h"
 
 #include <morvane/sys/Log.h>
-#include <morvane/ui/Label.h>
-#include <morvane/ui/TextView.h>
-#include <morvane/ui/Window.h>
+#include <morvane/ui/controls/Label.h>
+#include <morvane/ui/text/TextView.h>
+#include <morvane/ui/core/Window.h>
 #include <morvane/util/Colors.h>
 
 using namespace morvane;

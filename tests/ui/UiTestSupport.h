@@ -1,8 +1,8 @@
 #pragma once
 // Small helpers shared by the view-layer tests.
 
-#include <morvane/ui/Touch.h>
-#include <morvane/ui/View.h>
+#include <morvane/ui/core/Touch.h>
+#include <morvane/ui/core/View.h>
 
 #include <memory>
 #include <string>

@@ -21,11 +21,11 @@
 #include <morvane/gfx/Color.h>
 #include <morvane/gfx/Geometry.h>
 #include <morvane/gfx/Image.h>
-#include <morvane/ui/ActivityIndicator.h>
-#include <morvane/ui/ImageView.h>
-#include <morvane/ui/Label.h>
-#include <morvane/ui/TableViewCell.h>
-#include <morvane/ui/TextView.h>
+#include <morvane/ui/controls/ActivityIndicator.h>
+#include <morvane/ui/controls/ImageView.h>
+#include <morvane/ui/controls/Label.h>
+#include <morvane/ui/collections/TableViewCell.h>
+#include <morvane/ui/text/TextView.h>
 
 #include <cstdint>
 #include <memory>

@@ -1,7 +1,7 @@
 #include <morvane/media/ZBImage.h>
 #include <morvane/media/ZBImageModel.h>
 #include <morvane/sys/Queue.h>
-#include <morvane/ui/Touch.h>
+#include <morvane/ui/core/Touch.h>
 #include <morvane/util/GColor.h>
 
 namespace morvane {

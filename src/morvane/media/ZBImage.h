@@ -14,9 +14,9 @@
 
 #include <morvane/gfx/Color.h>
 #include <morvane/gfx/Image.h>
-#include <morvane/ui/ActivityIndicator.h>
-#include <morvane/ui/ImageView.h>
-#include <morvane/ui/View.h>
+#include <morvane/ui/controls/ActivityIndicator.h>
+#include <morvane/ui/controls/ImageView.h>
+#include <morvane/ui/core/View.h>
 
 #include <memory>
 #include <optional>

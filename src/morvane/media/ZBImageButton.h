@@ -10,9 +10,9 @@
 // itself never calls them, so an owner decides what each one means.
 
 #include <morvane/gfx/Color.h>
-#include <morvane/ui/Button.h>
-#include <morvane/ui/ImageView.h>
-#include <morvane/ui/Label.h>
+#include <morvane/ui/controls/Button.h>
+#include <morvane/ui/controls/ImageView.h>
+#include <morvane/ui/controls/Label.h>
 
 #include <functional>
 #include <memory>

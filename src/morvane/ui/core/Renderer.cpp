@@ -1,0 +1,183 @@
+#include <morvane/ui/core/Renderer.h>
+
+#include <morvane/gfx/Canvas.h>
+#include <morvane/gfx/ImageContext.h>
+#include <morvane/sys/Clock.h>
+#include <morvane/ui/core/View.h>
+#include <morvane/ui/core/detail/Animator.h>
+
+#include <algorithm>
+#include <cmath>
+
+namespace morvane::ui {
+
+namespace {
+
+// Alpha below this draws nothing visible (less than half a step of 8 bits).
+constexpr double kInvisibleAlpha = 0.5 / 255;
+
+// How far a shadow reaches beyond its shape: offset plus the blur.
+gfx::Rect shadowExtent(const gfx::Rect& shape, const gfx::Shadow& shadow) {
+    double blur = std::max(0.0, shadow.radius) * 1.5;
+    return shape.offsetBy(shadow.offset.width, shadow.offset.height).insetBy(-blur, -blur);
+}
+
+// A position or transform that is not a finite number would put the whole
+// canvas into an error state; such a view is skipped instead.
+bool isDrawable(const PresentationState& s) {
+    const gfx::Transform& t = s.transform;
+    for (double v : {s.center.x, s.center.y, s.bounds.x, s.bounds.y, s.bounds.width, s.bounds.height, t.a,
+                     t.b, t.c, t.d, t.tx, t.ty})
+        if (!std::isfinite(v)) return false;
+    return t.inverted().has_value();
+}
+
+} // namespace
+
+void Renderer::render(View& root, gfx::Canvas& canvas) {
+    root.layoutIfNeeded();
+    viewsDrawn_ = 0;
+    ++framesRendered_;
+    double now = sys::Clock::now();
+    auto state = root.presentation();
+    if (root.isHidden() || state.bounds.isEmpty() || !isDrawable(state)) return;
+    auto saved = canvas.saved();
+    drawBody(root, canvas, state.bounds, now);
+}
+
+gfx::Image Renderer::imageOf(View& view, double scale) {
+    view.layoutIfNeeded();
+    gfx::Rect bounds = view.presentation().bounds;
+    if (bounds.isEmpty()) return {};
+    gfx::ImageContext context(bounds.size(), gfx::Opacity::Transparent, scale);
+    if (!context.isValid()) return {};
+    {
+        Renderer renderer;
+        auto saved = context.canvas().saved();
+        renderer.drawBody(view, context.canvas(), bounds, sys::Clock::now());
+    }
+    return context.takeImage();
+}
+
+void Renderer::drawView(View& view, gfx::Canvas& canvas, double now) {
+    if (view.isHidden()) return;
+    auto state = view.presentation();
+    if (state.alpha < kInvisibleAlpha || state.bounds.isEmpty() || !isDrawable(state)) return;
+    double width = state.bounds.width;
+    double height = state.bounds.height;
+    const Layer& layer = view.layer();
+
+    auto saved = canvas.saved();
+    if (state.transform.isIdentity()) {
+        canvas.translate(state.center.x - width / 2, state.center.y - height / 2);
+    } else {
+        canvas.translate(state.center.x, state.center.y);
+        canvas.concat(state.transform);
+        canvas.translate(-width / 2, -height / 2);
+    }
+
+    // Off-screen views are skipped when nothing of them can reach the screen:
+    // their children are clipped to them, or they have none.
+    gfx::Rect extent{0, 0, width, height};
+    if (layer.mask()) {
+        extent = layer.mask()->frame;
+    } else if (layer.masksToBounds() || view.subviews().empty()) {
+        if (layer.shadow().isVisible() && !layer.masksToBounds())
+            extent = extent.united(shadowExtent(extent, layer.shadow()));
+        if (!canvas.isVisible(extent)) return;
+    }
+
+    const detail::Track* dissolve =
+        view.animations_ && view.animations_->dissolve.runningAt(now) ? &view.animations_->dissolve : nullptr;
+    // A view with children fades as one picture, as the platform composes a
+    // layer tree; a single view can simply draw with less alpha.
+    bool group = state.alpha < 1 && (!view.subviews().empty() || dissolve);
+    if (group)
+        canvas.beginTransparencyLayer();
+    else if (state.alpha < 1)
+        canvas.setAlpha(state.alpha);
+
+    if (dissolve) {
+        // A true cross-fade: the old look at 1 - t and the new at t are added,
+        // so an opaque view stays opaque all the way through.
+        double t = dissolve->progress(now);
+        canvas.beginTransparencyLayer();
+        const gfx::Image& oldLook = view.animations_->oldLook;
+        if (oldLook) {
+            auto inner = canvas.saved();
+            canvas.setAlpha(1 - t);
+            canvas.drawImage(oldLook, gfx::Rect{0, 0, width, height});
+        }
+        {
+            auto inner = canvas.saved();
+            canvas.setBlendMode(gfx::BlendMode::PlusLighter);
+            canvas.beginTransparencyLayer();
+            canvas.save();
+            drawBody(view, canvas, state.bounds, now);
+            canvas.restore();
+            canvas.endTransparencyLayer(t);
+        }
+        canvas.endTransparencyLayer(1);
+    } else if (group) {
+        canvas.save();
+        drawBody(view, canvas, state.bounds, now);
+        canvas.restore();
+    } else {
+        drawBody(view, canvas, state.bounds, now);
+    }
+
+    if (group) canvas.endTransparencyLayer(state.alpha);
+}
+
+// Draws the view in its frame-local space. The caller saves and restores the
+// canvas state around it: clips and translations made here are not undone,
+// which saves two state copies per view (the border lies inside the rounded
+// bounds, so the content clip does not cut it).
+void Renderer::drawBody(View& view, gfx::Canvas& canvas, const gfx::Rect& bounds, double now) {
+    ++viewsDrawn_;
+    const Layer& layer = view.layer();
+    gfx::Rect local{0, 0, bounds.width, bounds.height};
+    double radius = std::max(0.0, layer.cornerRadius());
+
+    if (layer.mask()) canvas.clipToRoundedRect(layer.mask()->frame, layer.mask()->cornerRadius);
+    // Masking to bounds cuts the shadow off too, as on the platform.
+    if (!layer.masksToBounds() && layer.shadow().isVisible())
+        canvas.drawShadow(local, radius, layer.shadow());
+    const gfx::Color& background = view.backgroundColor();
+    if (background.alpha > 0) {
+        if (radius > 0)
+            canvas.fillRoundedRect(local, radius, background);
+        else
+            canvas.fillRect(local, background);
+    }
+
+    if (layer.masksToBounds()) {
+        if (radius > 0)
+            canvas.clipToRoundedRect(local, radius);
+        else
+            canvas.clipToRect(local);
+    }
+    gfx::Point shift = layer.sublayerTranslation();
+    double dx = shift.x - bounds.x;
+    double dy = shift.y - bounds.y;
+    bool moved = dx != 0 || dy != 0;
+    if (moved) canvas.translate(dx, dy);
+    view.draw(canvas, bounds);
+    // Index loop with a held child: a misbehaving draw() may change the tree.
+    const auto& children = view.subviews();
+    for (std::size_t i = 0; i < children.size(); ++i) {
+        auto child = children[i];
+        drawView(*child, canvas, now);
+    }
+    if (moved) canvas.translate(-dx, -dy);
+
+    double border = layer.borderWidth();
+    if (border > 0 && layer.borderColor().alpha > 0) {
+        // The border lies inside the bounds, following the rounded corners.
+        gfx::Rect line = local.insetBy(border / 2, border / 2);
+        if (!line.isEmpty())
+            canvas.strokeRoundedRect(line, std::max(0.0, radius - border / 2), layer.borderColor(), border);
+    }
+}
+
+} // namespace morvane::ui

@@ -1,0 +1,63 @@
+#pragma once
+// The root of a view tree that a host shows. It knows which view has the
+// focus (the first responder) and turns a host's raw input into touches,
+// gesture recognition, typed text and keys for the right views. Points given
+// to the send functions are in window coordinates.
+
+#include <morvane/ui/core/Key.h>
+#include <morvane/ui/core/Touch.h>
+#include <morvane/ui/core/View.h>
+
+#include <memory>
+#include <string_view>
+#include <vector>
+
+namespace morvane::ui {
+
+class Window : public View {
+  public:
+    explicit Window(const gfx::Rect& frame);
+    static std::shared_ptr<Window> create(gfx::Size size);
+
+    // The view that receives typed text and keys, or null.
+    View* firstResponder() const { return firstResponder_.lock().get(); }
+
+    // Input as a host delivers it. A touch goes to the view it began on until
+    // it ends; a second touch down while one is down cancels the first.
+    void sendTouchDown(gfx::Point location);
+    void sendTouchMove(gfx::Point location);
+    void sendTouchUp(gfx::Point location);
+    void sendTouchCancel();
+    bool isTouchDown() const { return touch_.active; }
+    // Typed text and keys go to the first responder; nothing happens without one.
+    void sendText(std::string_view text);
+    bool sendKey(Key key);
+
+  private:
+    friend class View;
+    void setFirstResponder(View* view);
+    void detachedSubtree(View* root);
+
+    struct TouchState {
+        bool active = false;
+        std::shared_ptr<View> view;
+        gfx::Point start;
+        gfx::Point last;
+        int tapCount = 1;
+        // Watching recognisers, innermost first; the one that claimed the touch.
+        std::vector<std::shared_ptr<GestureRecognizer>> recognizers;
+        std::shared_ptr<GestureRecognizer> claimedBy;
+        bool viewCancelled = false;
+    };
+    // Hands a touch step to the recognisers, settles a claim, and runs the
+    // actions of the recognised step. False when the view must not see the step.
+    bool feedRecognizers(TouchState& touch, const Touch& step);
+    TouchState touch_;
+    std::weak_ptr<View> firstResponder_;
+    // For counting taps in a row.
+    double lastTapTime_ = -1e9;
+    gfx::Point lastTapLocation_;
+    int lastTapCount_ = 0;
+};
+
+} // namespace morvane::ui
