@@ -7,8 +7,8 @@
 #include <morvane/lists/UITblCell.h>
 #include <morvane/model/List.h>
 #include <morvane/model/Node.h>
-#include <morvane/ui/hosts/HeadlessHost.h>
 #include <morvane/ui/core/Window.h>
+#include <morvane/ui/hosts/HeadlessHost.h>
 
 #include <algorithm>
 #include <chrono>

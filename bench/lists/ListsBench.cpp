@@ -10,8 +10,8 @@
 #include <morvane/model/Node.h>
 #include <morvane/sys/App.h>
 #include <morvane/sys/Queue.h>
-#include <morvane/ui/hosts/HeadlessHost.h>
 #include <morvane/ui/core/Window.h>
+#include <morvane/ui/hosts/HeadlessHost.h>
 #include <morvane/util/Colors.h>
 
 #include <algorithm>

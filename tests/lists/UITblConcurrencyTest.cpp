@@ -7,8 +7,8 @@
 
 #include <morvane/sys/Queue.h>
 #include <morvane/ui/controls/Label.h>
-#include <morvane/ui/text/TextView.h>
 #include <morvane/ui/core/Window.h>
+#include <morvane/ui/text/TextView.h>
 
 #include <atomic>
 #include <thread>

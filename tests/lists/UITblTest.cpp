@@ -4,8 +4,8 @@
 
 #include <morvane/sys/Log.h>
 #include <morvane/ui/controls/Label.h>
-#include <morvane/ui/text/TextView.h>
 #include <morvane/ui/core/Window.h>
+#include <morvane/ui/text/TextView.h>
 #include <morvane/util/Colors.h>
 
 using namespace morvane;

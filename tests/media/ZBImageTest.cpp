@@ -6,8 +6,8 @@
 #include <morvane/media/ZBImage.h>
 #include <morvane/media/ZBImageButton.h>
 #include <morvane/sys/Queue.h>
-#include <morvane/ui/hosts/HeadlessHost.h>
 #include <morvane/ui/core/Window.h>
+#include <morvane/ui/hosts/HeadlessHost.h>
 
 #include "LoopbackServer.h"
 

@@ -54,8 +54,8 @@
 #include <morvane/lists/CallbackRegistry.h>
 #include <morvane/model/Forward.h>
 #include <morvane/model/Value.h>
-#include <morvane/ui/controls/RefreshControl.h>
 #include <morvane/ui/collections/TableView.h>
+#include <morvane/ui/controls/RefreshControl.h>
 #include <morvane/ui/core/View.h>
 
 #include <functional>

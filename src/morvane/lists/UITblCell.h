@@ -21,10 +21,10 @@
 #include <morvane/gfx/Color.h>
 #include <morvane/gfx/Geometry.h>
 #include <morvane/gfx/Image.h>
+#include <morvane/ui/collections/TableViewCell.h>
 #include <morvane/ui/controls/ActivityIndicator.h>
 #include <morvane/ui/controls/ImageView.h>
 #include <morvane/ui/controls/Label.h>
-#include <morvane/ui/collections/TableViewCell.h>
 #include <morvane/ui/text/TextView.h>
 
 #include <cstdint>

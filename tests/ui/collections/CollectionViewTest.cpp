@@ -1,8 +1,8 @@
 #include <morvane/sys/Log.h>
 #include <morvane/ui/collections/CollectionView.h>
-#include <morvane/ui/hosts/HeadlessHost.h>
 #include <morvane/ui/controls/Label.h>
 #include <morvane/ui/core/Window.h>
+#include <morvane/ui/hosts/HeadlessHost.h>
 
 #include <Snapshot.h>
 #include <gtest/gtest.h>

@@ -1,7 +1,7 @@
-#include <morvane/ui/controls/Button.h>
-#include <morvane/ui/hosts/HeadlessHost.h>
 #include <morvane/ui/collections/ScrollView.h>
+#include <morvane/ui/controls/Button.h>
 #include <morvane/ui/core/Window.h>
+#include <morvane/ui/hosts/HeadlessHost.h>
 
 #include <gtest/gtest.h>
 

@@ -1,10 +1,10 @@
 #include <morvane/sys/Log.h>
-#include <morvane/ui/hosts/HeadlessHost.h>
+#include <morvane/ui/collections/TableView.h>
+#include <morvane/ui/collections/detail/VisibleRange.h>
 #include <morvane/ui/controls/Label.h>
 #include <morvane/ui/controls/RefreshControl.h>
-#include <morvane/ui/collections/TableView.h>
 #include <morvane/ui/core/Window.h>
-#include <morvane/ui/collections/detail/VisibleRange.h>
+#include <morvane/ui/hosts/HeadlessHost.h>
 
 #include <Snapshot.h>
 #include <gtest/gtest.h>

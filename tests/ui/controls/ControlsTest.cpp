@@ -6,13 +6,13 @@
 #include <morvane/ui/controls/ActivityIndicator.h>
 #include <morvane/ui/controls/BarButtonItem.h>
 #include <morvane/ui/controls/Button.h>
-#include <morvane/ui/hosts/HeadlessHost.h>
 #include <morvane/ui/controls/ImageView.h>
 #include <morvane/ui/controls/Label.h>
 #include <morvane/ui/controls/SegmentedControl.h>
 #include <morvane/ui/controls/Toolbar.h>
 #include <morvane/ui/core/Window.h>
 #include <morvane/ui/core/detail/Animator.h>
+#include <morvane/ui/hosts/HeadlessHost.h>
 
 #include <Snapshot.h>
 

@@ -4,8 +4,8 @@
 
 #include <morvane/sys/Clock.h>
 #include <morvane/sys/Queue.h>
-#include <morvane/ui/hosts/HeadlessHost.h>
 #include <morvane/ui/core/Window.h>
+#include <morvane/ui/hosts/HeadlessHost.h>
 
 #include <Snapshot.h>
 

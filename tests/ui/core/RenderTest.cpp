@@ -4,11 +4,11 @@
 
 #include <morvane/gfx/Canvas.h>
 #include <morvane/gfx/ImageContext.h>
-#include <morvane/ui/hosts/HeadlessHost.h>
 #include <morvane/ui/controls/ImageView.h>
 #include <morvane/ui/controls/Label.h>
 #include <morvane/ui/core/Renderer.h>
 #include <morvane/ui/core/Window.h>
+#include <morvane/ui/hosts/HeadlessHost.h>
 
 #include <Snapshot.h>
 

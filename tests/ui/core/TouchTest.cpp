@@ -5,10 +5,10 @@
 #include "UiTestSupport.h"
 
 #include <morvane/ui/controls/Button.h>
-#include <morvane/ui/hosts/HeadlessHost.h>
 #include <morvane/ui/controls/Label.h>
 #include <morvane/ui/core/TapGestureRecognizer.h>
 #include <morvane/ui/core/Window.h>
+#include <morvane/ui/hosts/HeadlessHost.h>
 
 #include <gtest/gtest.h>
 

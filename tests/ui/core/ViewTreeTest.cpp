@@ -5,8 +5,8 @@
 #include "UiTestSupport.h"
 
 #include <morvane/sys/Log.h>
-#include <morvane/ui/hosts/HeadlessHost.h>
 #include <morvane/ui/core/Window.h>
+#include <morvane/ui/hosts/HeadlessHost.h>
 
 #include <gtest/gtest.h>
 

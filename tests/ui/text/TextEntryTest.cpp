@@ -1,8 +1,8 @@
 #include <morvane/sys/Log.h>
+#include <morvane/ui/core/Window.h>
 #include <morvane/ui/hosts/HeadlessHost.h>
 #include <morvane/ui/text/TextField.h>
 #include <morvane/ui/text/TextView.h>
-#include <morvane/ui/core/Window.h>
 #include <morvane/ui/text/detail/TextBuffer.h>
 
 #include <Snapshot.h>

@@ -3,8 +3,8 @@
 #include <morvane/gfx/Canvas.h>
 #include <morvane/sys/Clock.h>
 #include <morvane/sys/Timer.h>
-#include <morvane/ui/core/GestureRecognizer.h>
 #include <morvane/ui/controls/RefreshControl.h>
+#include <morvane/ui/core/GestureRecognizer.h>
 #include <morvane/ui/core/Touch.h>
 
 #include <algorithm>

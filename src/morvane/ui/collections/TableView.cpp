@@ -11,10 +11,10 @@
 #include <morvane/gfx/Canvas.h>
 #include <morvane/gfx/TextMetrics.h>
 #include <morvane/sys/Log.h>
-#include <morvane/ui/controls/Button.h>
-#include <morvane/ui/controls/Label.h>
 #include <morvane/ui/collections/detail/CellRecycler.h>
 #include <morvane/ui/collections/detail/VisibleRange.h>
+#include <morvane/ui/controls/Button.h>
+#include <morvane/ui/controls/Label.h>
 
 #include <algorithm>
 #include <cmath>

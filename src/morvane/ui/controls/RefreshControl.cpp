@@ -1,8 +1,8 @@
 #include <morvane/ui/controls/RefreshControl.h>
 
 #include <morvane/gfx/Canvas.h>
-#include <morvane/ui/controls/ActivityIndicator.h>
 #include <morvane/ui/collections/ScrollView.h>
+#include <morvane/ui/controls/ActivityIndicator.h>
 
 #include <algorithm>
 #include <cmath>

@@ -11,8 +11,8 @@
 
 #include <morvane/gfx/Font.h>
 #include <morvane/gfx/TextStyle.h>
-#include <morvane/ui/core/Key.h>
 #include <morvane/ui/collections/ScrollView.h>
+#include <morvane/ui/core/Key.h>
 #include <morvane/ui/text/TextRange.h>
 
 #include <string>
