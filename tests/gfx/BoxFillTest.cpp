@@ -36,7 +36,7 @@ void scene(Canvas& canvas) {
     {
         auto saved = canvas.saved();
         canvas.translate(7.3, 40.1);
-        canvas.setAlpha(0.5);
+        canvas.multiplyAlpha(0.5);
         canvas.fillRoundedRect(Rect{0, 0, 50, 20}, 6, Color::redColor());
         canvas.fillRect(Rect{-20, 25, 40, 30}, Color::greenColor());
     }

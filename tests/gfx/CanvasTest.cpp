@@ -58,8 +58,8 @@ TEST(Canvas, saved_state_restores_transform_clip_alpha_and_blend) {
         auto saved = canvas.saved();
         canvas.translate(20, 0);
         canvas.clipToRect(Rect{0, 0, 10, 10});
-        canvas.setAlpha(0.5);
-        canvas.setAlpha(0.5);
+        canvas.multiplyAlpha(0.5);
+        canvas.multiplyAlpha(0.5);
         EXPECT_DOUBLE_EQ(canvas.alpha(), 0.25);
         canvas.setBlendMode(BlendMode::Multiply);
         EXPECT_EQ(canvas.transform(), Transform::translation(20, 0));

@@ -76,7 +76,7 @@ Image testCard(double scale) {
         symbol.verticalAlignment = VerticalAlignment::Center;
         canvas.drawText(symbols[i], button, symbol);
     }
-    canvas.setAlpha(0.5);
+    canvas.multiplyAlpha(0.5);
     canvas.drawLine(Point{12, 127}, Point{228, 127}, Color::whiteColor(), 1);
     return context.takeImage();
 }

@@ -22,18 +22,8 @@
 
 namespace morvane::test {
 
-// The configuration callbacks a test cares about; the others stay empty
-// (which the list skips).
-struct ListConfig {
-    UITbl::KeysCB image, header, body, price;
-    UITbl::FlagCB sort;
-    UITbl::KeysCB sortBy;
-    UITbl::FlagCB ascending;
-    UITbl::SizeCB cellHeight, numOfCol;
-    UITbl::FlagCB checkBox;
-    UITbl::SelectionCB select;
-    UITbl::FlagCB incKey;
-};
+// Configures through the kit's twelve-callback operation, so every test that
+// configures a list goes through it.
 void configure(UITbl& list, const ListConfig& config);
 
 class ListsFixture : public testing::Test, protected AppSandbox {

@@ -15,7 +15,6 @@
 
 using namespace morvane;
 using morvane::test::configure;
-using morvane::test::ListConfig;
 using morvane::test::ListsFixture;
 using morvane::test::pngBytes;
 

@@ -7,7 +7,6 @@
 
 using namespace morvane;
 using morvane::test::configure;
-using morvane::test::ListConfig;
 using morvane::test::ListsFixture;
 
 namespace {

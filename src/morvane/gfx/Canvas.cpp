@@ -340,7 +340,7 @@ Transform Canvas::transform() const {
     return {m.xx, m.yx, m.xy, m.yy, m.x0, m.y0};
 }
 
-void Canvas::setAlpha(double alpha) {
+void Canvas::multiplyAlpha(double alpha) {
     impl_->state.alpha *= clamp01(alpha);
 }
 double Canvas::alpha() const {

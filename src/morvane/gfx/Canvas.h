@@ -89,7 +89,7 @@ class Canvas {
     Transform transform() const;
 
     // Multiplies the current alpha (so nested views compose); 1 is opaque.
-    void setAlpha(double alpha);
+    void multiplyAlpha(double alpha);
     double alpha() const;
     void setBlendMode(BlendMode mode);
     BlendMode blendMode() const;

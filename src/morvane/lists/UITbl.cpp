@@ -1,5 +1,8 @@
 #include <morvane/lists/UITbl.h>
 
+#include <morvane/components/DispatchGuard.h>
+#include <morvane/components/KeyLookup.h>
+#include <morvane/components/MainQueue.h>
 #include <morvane/gfx/Font.h>
 #include <morvane/gfx/TextMetrics.h>
 #include <morvane/lists/UITblCell.h>
@@ -15,12 +18,6 @@ namespace morvane {
 
 namespace {
 
-constexpr std::string_view kMarker = "<en>";
-
-bool hasMarker(std::string_view text) {
-    return text.find(kMarker) != std::string_view::npos;
-}
-
 // How the log shows a value: texts and numbers as they read, trees as JSON.
 std::string describe(const Value& value) {
     if (value.isAbsent()) return "(null)";
@@ -28,23 +25,6 @@ std::string describe(const Value& value) {
     if (value.isText()) return value.textOr();
     return value.toText();
 }
-
-// Holds the list for the length of a dispatch to the owner's callbacks. A
-// callback may drop the last reference to the list, but the table and its
-// touch handling still run after the callbacks return; so the last reference
-// is handed to the main queue and dropped once the current event is over.
-class DispatchGuard {
-  public:
-    explicit DispatchGuard(std::shared_ptr<ui::View> list) : list_(std::move(list)) {}
-    ~DispatchGuard() {
-        if (list_ && list_.use_count() == 1) sys::Queue::main().async([list = std::move(list_)] {});
-    }
-    DispatchGuard(const DispatchGuard&) = delete;
-    DispatchGuard& operator=(const DispatchGuard&) = delete;
-
-  private:
-    std::shared_ptr<ui::View> list_;
-};
 
 } // namespace
 
@@ -86,9 +66,15 @@ void UITbl::cfg(const KeysCB& cfg, const KeysCB& header, const KeysCB& body, con
                 const FlagCB& sort, const KeysCB& sortBy, const FlagCB& ascending, const SizeCB& cellHeight,
                 const SizeCB& numOfCol, const FlagCB& checkBox, const SelectionCB& select,
                 const FlagCB& inckey) {
+    this->cfg(ListConfig{cfg, header, body, price, sort, sortBy, ascending, cellHeight, numOfCol, checkBox,
+                         select, inckey});
+}
+
+void UITbl::cfg(const ListConfig& config) {
     MORVANE_ASSERT_MAIN_THREAD();
-    (void)numOfCol; // the grid's; a list has one column
-    DispatchGuard guard(weak_from_this().lock());
+    DispatchGuard guard(*this);
+    // Copies: a configuration callback may configure the list again.
+    const ListConfig call = config;
 
     listImage_ = std::vector<std::string>{"image", "photo"};
     listHeader_ = std::vector<std::string>{"key", "name"};
@@ -101,18 +87,20 @@ void UITbl::cfg(const KeysCB& cfg, const KeysCB& header, const KeysCB& body, con
         flags_ = std::make_unique<FlagCells>();
     currentSelection_ = std::string();
 
-    // The order is part of the contract: owners rely on it.
-    if (cfg) cfg(*listImage_);
-    if (header) header(*listHeader_);
-    if (body) body(*listBody_);
-    if (price) price(*listPrice_);
-    if (sort) sort(flags_->sort);
-    if (ascending) ascending(flags_->ascending);
-    if (cellHeight) cellHeight(flags_->numOfLines);
-    if (checkBox) checkBox(flags_->checkBox);
-    if (sortBy) sortBy(*listSortBy_);
-    if (select) select(*currentSelection_);
-    if (inckey) inckey(flags_->incKey);
+    // The order is part of the contract: owners rely on it. numOfCol is the
+    // grid's; a list has one column. Each callback edits the member itself,
+    // so one that configures the list again sees the same cells.
+    if (call.image) call.image(*listImage_);
+    if (call.header) call.header(*listHeader_);
+    if (call.body) call.body(*listBody_);
+    if (call.price) call.price(*listPrice_);
+    if (call.sort) call.sort(flags_->sort);
+    if (call.ascending) call.ascending(flags_->ascending);
+    if (call.cellHeight) call.cellHeight(flags_->numOfLines);
+    if (call.checkBox) call.checkBox(flags_->checkBox);
+    if (call.sortBy) call.sortBy(*listSortBy_);
+    if (call.select) call.select(*currentSelection_);
+    if (call.incKey) call.incKey(flags_->incKey);
 }
 
 // ---- Registration -------------------------------------------------------------
@@ -226,7 +214,7 @@ void UITbl::swap(long i, long j) {
 void UITbl::grab(long, const DataCB& callback) {
     MORVANE_ASSERT_MAIN_THREAD();
     if (!callback) return;
-    DispatchGuard guard(weak_from_this().lock());
+    DispatchGuard guard(*this);
     DataCB call = callback;
     ListPtr rows = myData_;
     call(rows);
@@ -266,7 +254,7 @@ void UITbl::handleRefresh(ui::RefreshControl* control) {
 }
 
 void UITbl::callRefresh() {
-    DispatchGuard guard(weak_from_this().lock());
+    DispatchGuard guard(*this);
     for (const RefreshCB& callback : cbRefresh_.snapshot())
         if (callback) callback("", Node::make());
 }
@@ -298,20 +286,17 @@ double UITbl::textHeight() const {
 void UITbl::updateUI(const NodePtr& row, const std::shared_ptr<UITblCell>& cell) {
     MORVANE_ASSERT_MAIN_THREAD();
     if (!row || !cell) return;
-    DispatchGuard guard(weak_from_this().lock());
+    DispatchGuard guard(*this);
     const TranslateCB translate = translateCB_;
     std::weak_ptr<UITblCell> weakCell = cell;
 
     // Picture: the first image key with a value names it; "imaged" dates it.
     cell->addImage(std::nullopt, std::nullopt);
     if (listImage_) {
-        for (const std::string& key : *listImage_) {
-            const Value name = row->valLikeKey(key);
-            if (!name) continue;
+        if (const KeyValue name = firstValue(*row, *listImage_)) {
             const Value stamp = row->valKey("imaged");
-            cell->addImage(name.textOr(),
+            cell->addImage(name.value.textOr(),
                            stamp.text() ? std::optional<std::string_view>(*stamp.text()) : std::nullopt);
-            break;
         }
     }
 
@@ -319,18 +304,13 @@ void UITbl::updateUI(const NodePtr& row, const std::shared_ptr<UITblCell>& cell)
     // later, on the main queue, into whatever row the cell shows by then.
     cell->addHeader("");
     if (listHeader_) {
-        for (const std::string& key : *listHeader_) {
-            const Value value = row->valLikeKey(key);
-            if (!value) continue;
-            const std::string shown = cell->addHeader(value.textOr());
-            if (hasMarker(shown) && translate) {
+        if (const KeyValue header = firstValue(*row, *listHeader_)) {
+            const std::string shown = cell->addHeader(header.value.textOr());
+            if (isTranslatable(shown) && translate) {
                 translate(shown, [weakCell](const std::string& translated) {
-                    sys::Queue::main().async([weakCell, translated] {
-                        if (auto target = weakCell.lock()) target->addHeader(translated);
-                    });
+                    postToMain(weakCell, [translated](UITblCell& target) { target.addHeader(translated); });
                 });
             }
-            break;
         }
     }
 
@@ -339,15 +319,15 @@ void UITbl::updateUI(const NodePtr& row, const std::shared_ptr<UITblCell>& cell)
     cell->addBody(std::nullopt);
     if (listBody_ && !listBody_->empty()) {
         const bool withKey = flag(&FlagCells::incKey);
-        for (const std::string& key : *listBody_) {
+        // A copy: the translation hook is the owner's code and may configure the list again.
+        const std::vector<std::string> bodyKeys = *listBody_;
+        for (const std::string& key : bodyKeys) {
             const Value value = row->valLikeKey(key);
             if (!value) continue;
             std::string line = withKey ? key + ": " + value.textOr() : value.textOr();
-            if (hasMarker(line) && translate) {
+            if (isTranslatable(line) && translate) {
                 translate(line, [weakCell](const std::string& translated) {
-                    sys::Queue::main().async([weakCell, translated] {
-                        if (auto target = weakCell.lock()) target->addBody(translated);
-                    });
+                    postToMain(weakCell, [translated](UITblCell& target) { target.addBody(translated); });
                 });
             } else {
                 cell->addBody(line);
@@ -366,12 +346,7 @@ void UITbl::updateUI(const NodePtr& row, const std::shared_ptr<UITblCell>& cell)
     // Price: the first price key with a value.
     cell->addPrice(std::nullopt);
     if (listPrice_) {
-        for (const std::string& key : *listPrice_) {
-            const Value value = row->valLikeKey(key);
-            if (!value) continue;
-            cell->addPrice(value.textOr());
-            break;
-        }
+        if (const KeyValue price = firstValue(*row, *listPrice_)) cell->addPrice(price.value.textOr());
     }
 }
 
@@ -395,7 +370,7 @@ int UITbl::numberOfRows(ui::TableView&, int) {
 }
 
 std::shared_ptr<ui::TableViewCell> UITbl::cellForRow(ui::TableView& table, ui::IndexPath indexPath) {
-    DispatchGuard guard(weak_from_this().lock());
+    DispatchGuard guard(*this);
     auto cell = std::dynamic_pointer_cast<UITblCell>(table.dequeueReusableCell(kCellIdentifier, indexPath));
     if (!cell) cell = std::make_shared<UITblCell>(ui::TableViewCell::Style::Default, kCellIdentifier);
 
@@ -447,19 +422,22 @@ std::shared_ptr<ui::View> UITbl::viewForHeader(ui::TableView&, int) {
 }
 
 void UITbl::didSelectRow(ui::TableView&, ui::IndexPath indexPath) {
-    DispatchGuard guard(weak_from_this().lock());
+    DispatchGuard guard(*this);
     const NodePtr row = rowAt(indexPath.row);
-    if (!row || !row->valKey("key")) return;
-    const Value key = row->get("key");
-    callSelect(key, row);
+    if (!row) return;
+    // Select callbacks get what the search finds for "key" (it may sit in a
+    // nested Node); the check mark follows the row's own top-level "key".
+    const Value found = row->valKey("key");
+    if (!found) return;
+    callSelect(found, row);
     if (flag(&FlagCells::checkBox)) {
-        currentSelection_ = key.toText();
+        currentSelection_ = row->get("key").toText();
         refresh();
     }
 }
 
 void UITbl::callSelect(const Value& key, const NodePtr& row) {
-    DispatchGuard guard(weak_from_this().lock());
+    DispatchGuard guard(*this);
     for (const SelectCB& select : cbItemSelect_.snapshot())
         if (select) select(key, row);
 }
@@ -498,7 +476,7 @@ std::shared_ptr<ui::SwipeActionsConfiguration> UITbl::swipeActions(const ListPtr
 }
 
 void UITbl::fireSwipe(const SwipeCB& swipe, long index) {
-    DispatchGuard guard(weak_from_this().lock());
+    DispatchGuard guard(*this);
     const NodePtr row = rowAt(index);
     if (swipe) {
         SwipeCB call = swipe;

@@ -7,12 +7,12 @@
 // to a translation hook.
 //
 //   auto list = std::make_shared<UITbl>(gfx::Rect{0, 0, 390, 700});
-//   list->cfg([](auto& image) {}, [](auto& header) { header = {"name"}; },
-//             [](auto& body) { body = {"phone", "time"}; }, [](auto& price) { price = {"price"}; },
-//             [](bool& sort) {}, [](auto& sortBy) { sortBy = {"name"}; }, [](bool& ascending) { ascending =
-//             true; },
-//             [](float& lines) { lines = 4; }, [](float&) {}, [](bool& checkBox) {},
-//             [](std::string& selection) {}, [](bool& incKey) {});
+//   list->cfg({.header = [](auto& keys) { keys = {"name"}; },
+//              .body = [](auto& keys) { keys = {"phone", "time"}; },
+//              .price = [](auto& keys) { keys = {"price"}; },
+//              .sortBy = [](auto& keys) { keys = {"name"}; },
+//              .ascending = [](bool& ascending) { ascending = true; },
+//              .cellHeight = [](float& lines) { lines = 4; }});
 //   list->watchTbl("venues", onSelect, onPopulate, onRefresh);
 //   for (auto& row : rows) list->adData(row);
 //   list->refresh();
@@ -51,7 +51,9 @@
 
 #include <morvane/gfx/Color.h>
 #include <morvane/gfx/Geometry.h>
-#include <morvane/lists/CallbackRegistry.h>
+#include <morvane/components/CallbackRegistry.h>
+#include <morvane/components/ListConfig.h>
+#include <morvane/components/Translation.h>
 #include <morvane/model/Forward.h>
 #include <morvane/model/Value.h>
 #include <morvane/ui/collections/TableView.h>
@@ -76,11 +78,12 @@ class UITbl : public ui::View, public ui::TableViewDataSource, public ui::TableV
 
     // ---- Callback shapes --------------------------------------------------------
     // Configuration callbacks edit the list, cell or text they are handed.
-    using KeysCB = std::function<void(std::vector<std::string>& keys)>;
-    using FlagCB = std::function<void(bool& flag)>;
-    using SizeCB = std::function<void(float& value)>;
-    using SelectionCB = std::function<void(std::string& selection)>;
-    // select and populate: the row's top-level "key" value and the row.
+    using KeysCB = ListConfig::KeysCB;
+    using FlagCB = ListConfig::FlagCB;
+    using SizeCB = ListConfig::SizeCB;
+    using SelectionCB = ListConfig::SelectionCB;
+    // select: the value the row yields for "key" through valKey, and the row.
+    // populate: the row's top-level "key" value and the row.
     using SelectCB = std::function<void(const Value& key, const NodePtr& row)>;
     using PopulateCB = std::function<void(const Value& key, const NodePtr& row)>;
     // refresh: "" and a new empty Node.
@@ -88,8 +91,8 @@ class UITbl : public ui::View, public ui::TableViewDataSource, public ui::TableV
     // swipe: the row index and the row (null when the row is no Node).
     using SwipeCB = std::function<void(long index, const NodePtr& row)>;
     // The translation hook: a text and the completion that takes its translation.
-    using TranslateCompletion = std::function<void(const std::string& translated)>;
-    using TranslateCB = std::function<void(const std::string& text, TranslateCompletion completion)>;
+    using TranslateCompletion = morvane::TranslateCompletion;
+    using TranslateCB = morvane::TranslateCB;
     // grab, moveUp, moveDown: the rows.
     using DataCB = std::function<void(const ListPtr& rows)>;
 
@@ -127,12 +130,18 @@ class UITbl : public ui::View, public ui::TableViewDataSource, public ui::TableV
     const std::optional<std::vector<std::string>>& listHeader() const { return listHeader_; }
     const std::optional<std::vector<std::string>>& listPrice() const { return listPrice_; }
     const std::optional<std::vector<std::string>>& listSortBy() const { return listSortBy_; }
-    // The flag cells; null before the first configuration.
-    bool* sort() const { return flags_ ? &flags_->sort : nullptr; }
-    bool* ascending() const { return flags_ ? &flags_->ascending : nullptr; }
-    bool* checkBox() const { return flags_ ? &flags_->checkBox : nullptr; }
-    bool* incKey() const { return flags_ ? &flags_->incKey : nullptr; }
-    float* numOfLines() const { return flags_ ? &flags_->numOfLines : nullptr; }
+    // The flag cells; null before the first configuration. Only a list the
+    // caller may change hands out cells it may write to.
+    bool* sort() { return cell(&FlagCells::sort); }
+    bool* ascending() { return cell(&FlagCells::ascending); }
+    bool* checkBox() { return cell(&FlagCells::checkBox); }
+    bool* incKey() { return cell(&FlagCells::incKey); }
+    float* numOfLines() { return cell(&FlagCells::numOfLines); }
+    const bool* sort() const { return cell(&FlagCells::sort); }
+    const bool* ascending() const { return cell(&FlagCells::ascending); }
+    const bool* checkBox() const { return cell(&FlagCells::checkBox); }
+    const bool* incKey() const { return cell(&FlagCells::incKey); }
+    const float* numOfLines() const { return cell(&FlagCells::numOfLines); }
     // The key of the selected row; nullopt before the first configuration.
     const std::optional<std::string>& currentSelection() const { return currentSelection_; }
 
@@ -145,6 +154,8 @@ class UITbl : public ui::View, public ui::TableViewDataSource, public ui::TableV
     void cfg(const KeysCB& cfg, const KeysCB& header, const KeysCB& body, const KeysCB& price,
              const FlagCB& sort, const KeysCB& sortBy, const FlagCB& ascending, const SizeCB& cellHeight,
              const SizeCB& numOfCol, const FlagCB& checkBox, const SelectionCB& select, const FlagCB& inckey);
+    // The same with named members (see ListConfig); empty members are skipped.
+    void cfg(const ListConfig& config);
 
     // ---- Registration ------------------------------------------------------------
     // Stores the three callbacks under the name (replacing earlier ones of
@@ -192,7 +203,9 @@ class UITbl : public ui::View, public ui::TableViewDataSource, public ui::TableV
     // ---- Appearance ----------------------------------------------------------------
     // Also gives the table the colour lightened by 0.1 (darkerBy -0.1) and reloads it.
     void setBackgroundColor(const gfx::Color& color) override;
-    // The height of "Text" in the system font at the system font size.
+    // The list's unit of height: the height of "Text" in the system font at
+    // the system font size (rows are numOfLines of these). Not the cell's
+    // layout unit, UITblCell::getTextHeight, which is 1.5 x "Sample Text".
     double textHeight() const;
 
     // ---- Filling a cell --------------------------------------------------------------
@@ -234,6 +247,10 @@ class UITbl : public ui::View, public ui::TableViewDataSource, public ui::TableV
     // The row at an index as a Node, or null.
     NodePtr rowAt(long index) const;
     bool flag(bool FlagCells::*field) const { return flags_ && flags_.get()->*field; }
+    template <class T> T* cell(T FlagCells::*field) { return flags_ ? &(flags_.get()->*field) : nullptr; }
+    template <class T> const T* cell(T FlagCells::*field) const {
+        return flags_ ? &(flags_.get()->*field) : nullptr;
+    }
 
     std::shared_ptr<ui::TableView> tbl_;
     ListPtr cbList_;

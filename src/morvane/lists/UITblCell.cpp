@@ -1,5 +1,6 @@
 #include <morvane/lists/UITblCell.h>
 
+#include <morvane/components/Translation.h>
 #include <morvane/gfx/Canvas.h>
 #include <morvane/gfx/Font.h>
 #include <morvane/gfx/TextMetrics.h>
@@ -13,27 +14,11 @@ namespace morvane {
 
 namespace {
 
-constexpr std::string_view kMarker = "<en>";
-
 // The last piece of the text after splitting at `separator`; the whole text
 // when it holds none.
 std::string_view lastPiece(std::string_view text, char separator) {
     const auto at = text.rfind(separator);
     return at == std::string_view::npos ? text : text.substr(at + 1);
-}
-
-std::string withoutMarkers(std::string_view text) {
-    std::string out;
-    out.reserve(text.size());
-    std::size_t from = 0;
-    while (true) {
-        const auto at = text.find(kMarker, from);
-        if (at == std::string_view::npos) break;
-        out.append(text.substr(from, at - from));
-        from = at + kMarker.size();
-    }
-    out.append(text.substr(from));
-    return out;
 }
 
 } // namespace
@@ -125,7 +110,7 @@ void UITblCell::showLoaded(const gfx::Image& image) {
 std::string UITblCell::addHeader(std::string_view text) {
     MORVANE_ASSERT_MAIN_THREAD();
     const std::string_view shortened = lastPiece(lastPiece(text, '-'), '/');
-    headLbl_->setText(withoutMarkers(shortened));
+    headLbl_->setText(withoutTranslateMarkers(shortened));
     return std::string(shortened);
 }
 

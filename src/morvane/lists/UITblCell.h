@@ -71,7 +71,9 @@ class UITblCell : public ui::TableViewCell {
     void showProgress(bool show);
 
     // ---- Layout helpers --------------------------------------------------------
-    // 1.5 times the height of "Sample Text" in the system font at the system size.
+    // The cell's layout unit: 1.5 times the height of "Sample Text" in the
+    // system font at the system size. Not the list's row unit, UITbl::textHeight
+    // (1 x "Text"); both names are the kit's own.
     static double getTextHeight();
     // The view's y plus its height (plus the offset).
     static double bottomOf(const ui::View& view, double offset = 0);

@@ -205,7 +205,7 @@ TEST_F(TableFixture, SwipeRevealsActionsWhoseHandlersRunAndClose) {
     EXPECT_EQ(table->cellForRow(IndexPath::forRow(3))->frame().x, 0);
 
     // Leading side, through the programmatic opening; a tap elsewhere only closes.
-    ASSERT_TRUE(table->openSwipeActions(IndexPath::forRow(5), false));
+    ASSERT_TRUE(table->openSwipeActions(IndexPath::forRow(5), TableView::SwipeEdge::Leading));
     EXPECT_GT(table->swipeOffset(), 0);
     host.tap({200, 600});
     EXPECT_FALSE(table->swipedRow());

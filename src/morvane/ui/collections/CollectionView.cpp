@@ -32,9 +32,10 @@ void CollectionView::setDataSource(CollectionViewDataSource* source) {
     reloadData();
 }
 
-void CollectionView::setDelegate(CollectionViewDelegate* delegate) {
+void CollectionView::setDelegate(ScrollViewDelegate* scrollDelegate) {
+    auto* delegate = dynamic_cast<CollectionViewDelegate*>(scrollDelegate);
     delegate_ = delegate;
-    ScrollView::setDelegate(delegate);
+    ScrollView::setDelegate(scrollDelegate);
     reloadData();
 }
 
@@ -69,31 +70,59 @@ int CollectionView::numberOfItems(int section) const {
 
 void CollectionView::measure() {
     needsReload_ = false;
-    items_.clear();
+    // The data source and delegate answer below and may reload or lay out the
+    // grid again; then this measurement is stale and gives up (see TableView).
+    const std::uint64_t generation = cells_->invalidate();
+    const std::uint64_t completed = completedMeasures_;
+    auto changed = [&] {
+        if (cells_->generation() == generation) return false;
+        if (completedMeasures_ == completed) {
+            needsReload_ = true;
+            setNeedsLayout();
+        }
+        return true;
+    };
+    std::vector<int> items;
     if (dataSource_) {
         int sections = dataSource_->numberOfSections(*this);
+        if (changed()) return;
         if (sections < 0) warn("a negative number of sections; none are shown");
-        for (int s = 0; s < sections; ++s) {
+        for (int s = 0; s < sections && dataSource_; ++s) {
             int n = dataSource_->numberOfItems(*this, s);
+            if (changed()) return;
             if (n < 0) {
                 warn("a negative number of items in section " + std::to_string(s) + "; none are shown");
                 n = 0;
             }
-            items_.push_back(n);
+            items.push_back(n);
         }
     }
+    // The layout asks for every item's size; once an answer has changed the
+    // grid the rest are not asked, and the result is dropped.
     FlowLayout::Answers answers;
     if (delegate_) {
-        answers.sizeForItem = [this](IndexPath p) { return delegate_->sizeForItem(*this, p); };
-        answers.insetForSection = [this](int s) { return delegate_->insetForSection(*this, s); };
-        answers.lineSpacingForSection = [this](int s) { return delegate_->minimumLineSpacing(*this, s); };
-        answers.interitemSpacingForSection = [this](int s) {
-            return delegate_->minimumInteritemSpacing(*this, s);
+        auto ask = [this, generation](auto question) {
+            return [this, generation, question](auto... args) {
+                using Answer = decltype(question(*delegate_, args...));
+                if (!delegate_ || cells_->generation() != generation) return Answer{};
+                return question(*delegate_, args...);
+            };
         };
+        answers.sizeForItem = ask([this](CollectionViewDelegate& d, IndexPath p) { return d.sizeForItem(*this, p); });
+        answers.insetForSection = ask([this](CollectionViewDelegate& d, int s) { return d.insetForSection(*this, s); });
+        answers.lineSpacingForSection =
+            ask([this](CollectionViewDelegate& d, int s) { return d.minimumLineSpacing(*this, s); });
+        answers.interitemSpacingForSection =
+            ask([this](CollectionViewDelegate& d, int s) { return d.minimumInteritemSpacing(*this, s); });
     }
-    layout_.prepare(bounds().width, items_, answers, warn);
+    FlowLayout prepared = layout_;
+    prepared.prepare(bounds().width, items, answers, warn);
+    if (changed()) return;
+    layout_ = std::move(prepared);
+    items_ = std::move(items);
     setContentSize(layout_.contentSize());
     needsCells_ = true;
+    ++completedMeasures_;
 }
 
 void CollectionView::boundsChanged(const gfx::Rect& oldBounds) {
@@ -108,7 +137,10 @@ void CollectionView::contentOffsetChanged() {
 
 void CollectionView::layoutSubviews() {
     ScrollView::layoutSubviews();
+    // The data source and delegate may drop the grid while it lays out.
+    auto keep = weak_from_this().lock();
     if (needsReload_) measure();
+    if (needsReload_) return;
     if (needsCells_) layoutCells();
 }
 
@@ -142,18 +174,29 @@ void CollectionView::layoutCells() {
     if (dataSource_) wanted = layout_.itemsIn(bounds());
     std::sort(wanted.begin(), wanted.end());
     cells_->recycleAllBut(wanted, [](IndexPath) {});
+    // Making and announcing a cell run the owner's code (see TableView::layoutCells).
+    const std::uint64_t placing = cells_->invalidate();
+    auto retry = [this] {
+        needsCells_ = true;
+        setNeedsLayout();
+    };
     for (IndexPath p : wanted) {
-        auto& slot = cells_->visible()[p];
-        if (!slot) {
-            auto cell = makeCell(p);
-            slot = cell;
+        std::shared_ptr<CollectionViewCell> cell = cells_->cellAt(p);
+        if (!cell) {
+            cell = makeCell(p);
+            if (cells_->generation() != placing) {
+                cells_->giveBack(cell);
+                return retry();
+            }
+            cells_->show(p, cell);
             cell->indexPath_ = p;
             if (cell->superview() != this) insertSubview(cell, 0);
             cell->setHidden(false);
             cell->setSelected(std::find(selected_.begin(), selected_.end(), p) != selected_.end());
             if (delegate_) delegate_->willDisplayCell(*this, *cell, p);
+            if (cells_->generation() != placing) return retry();
         }
-        slot->setFrame(layout_.frameForItem(p));
+        cell->setFrame(layout_.frameForItem(p));
     }
     // A grid frees a whole line at a time: keep a line's worth (at least two).
     std::size_t perLine = 0;
@@ -202,7 +245,7 @@ void CollectionView::deselectItem(IndexPath p) {
     if (auto cell = cellForItem(p)) cell->setSelected(false);
 }
 
-void CollectionView::tapped(gfx::Point location) {
+void CollectionView::contentTapped(gfx::Point location) {
     if (!allowsSelection_) return;
     auto p = layout_.itemAt(location);
     if (!p) return;

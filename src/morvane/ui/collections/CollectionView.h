@@ -13,6 +13,7 @@
 #include <morvane/ui/collections/IndexPath.h>
 #include <morvane/ui/collections/ScrollView.h>
 
+#include <cstdint>
 #include <functional>
 #include <memory>
 #include <optional>
@@ -61,7 +62,8 @@ class CollectionView : public ScrollView {
     CollectionViewDataSource* dataSource() const { return dataSource_; }
     void setDataSource(CollectionViewDataSource* source);
     CollectionViewDelegate* delegate() const { return delegate_; }
-    void setDelegate(CollectionViewDelegate* delegate);
+    // Takes a CollectionViewDelegate; any other scroll view delegate hears only the scrolling.
+    void setDelegate(ScrollViewDelegate* delegate) override;
     bool allowsSelection() const { return allowsSelection_; }
     void setAllowsSelection(bool allows) { allowsSelection_ = allows; }
 
@@ -99,7 +101,7 @@ class CollectionView : public ScrollView {
   protected:
     void layoutSubviews() override;
     void contentOffsetChanged() override;
-    void tapped(gfx::Point location) override;
+    void contentTapped(gfx::Point location) override;
     void boundsChanged(const gfx::Rect& oldBounds) override;
 
   private:
@@ -115,6 +117,7 @@ class CollectionView : public ScrollView {
     std::unique_ptr<detail::CellRecycler<CollectionViewCell>> cells_;
     std::vector<int> items_;
     std::vector<IndexPath> selected_;
+    std::uint64_t completedMeasures_ = 0;
     bool needsReload_ = true;
     bool needsCells_ = true;
 };

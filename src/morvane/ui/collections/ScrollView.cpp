@@ -235,7 +235,7 @@ void ScrollView::layoutIndicators() {
 void ScrollView::touchesBegan(const Touches& touches) {
     if (touches.empty()) return;
     tracking_ = true;
-    touchBegan(touches.front().locationIn(this));
+    contentTouchBegan(touches.front().locationIn(this));
 }
 
 void ScrollView::touchesMoved(const Touches&) {
@@ -247,13 +247,13 @@ void ScrollView::touchesEnded(const Touches& touches) {
     if (!tracking_ || touches.empty()) return;
     tracking_ = false;
     if (refreshControl_) refreshControl_->touchEnded();
-    tapped(touches.front().locationIn(this));
+    contentTapped(touches.front().locationIn(this));
 }
 
 void ScrollView::touchesCancelled(const Touches&) {
     if (!tracking_) return;
     tracking_ = false;
-    touchCancelled();
+    contentTouchCancelled();
 }
 
 void ScrollView::panBegan(const Touch& touch) {
@@ -285,7 +285,7 @@ bool ScrollView::panMoved(const Touch& touch) {
         } else {
             return false;
         }
-        touchCancelled();
+        contentTouchCancelled();
     }
     if (horizontalDrag_) {
         horizontalDragMoved(dx);

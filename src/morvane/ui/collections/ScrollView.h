@@ -84,9 +84,10 @@ class ScrollView : public View {
     // Ends gliding or a running spring-back where the content is now.
     void stopScrolling();
 
-    // Not owned.
+    // Not owned. Virtual: a table or grid set through a ScrollView& takes the
+    // delegate as its own delegate too, so the two never disagree.
     ScrollViewDelegate* delegate() const { return delegate_; }
-    void setDelegate(ScrollViewDelegate* delegate) { delegate_ = delegate; }
+    virtual void setDelegate(ScrollViewDelegate* delegate) { delegate_ = delegate; }
 
     const std::shared_ptr<RefreshControl>& refreshControl() const { return refreshControl_; }
     void setRefreshControl(std::shared_ptr<RefreshControl> control);
@@ -101,12 +102,14 @@ class ScrollView : public View {
     void layoutSubviews() override;
     // Told after every change of the content offset.
     virtual void contentOffsetChanged() {}
+    // The content's own touch hooks, beside View's touchesBegan... which the
+    // scroll view itself handles to tell taps from drags.
     // A touch that ended without becoming a drag (location in content coordinates).
-    virtual void tapped(gfx::Point) {}
+    virtual void contentTapped(gfx::Point) {}
     // A touch that began; subclasses may track it (location in content coordinates).
-    virtual void touchBegan(gfx::Point) {}
+    virtual void contentTouchBegan(gfx::Point) {}
     // The touch became a drag or was cancelled: no tap will follow.
-    virtual void touchCancelled() {}
+    virtual void contentTouchCancelled() {}
     // A horizontal drag that the subclass takes over (swiping a row). Return
     // true from beginHorizontalDrag to claim it; the scroll view then leaves
     // the offset alone and forwards the movement until the touch ends.

@@ -58,9 +58,10 @@ void TableView::setDataSource(TableViewDataSource* source) {
     reloadData();
 }
 
-void TableView::setDelegate(TableViewDelegate* delegate) {
+void TableView::setDelegate(ScrollViewDelegate* scrollDelegate) {
+    auto* delegate = dynamic_cast<TableViewDelegate*>(scrollDelegate);
     delegate_ = delegate;
-    ScrollView::setDelegate(delegate);
+    ScrollView::setDelegate(scrollDelegate);
     reloadData();
 }
 
@@ -194,12 +195,27 @@ double TableView::contentTop() const {
 
 void TableView::measure() {
     needsReload_ = false;
+    // The data source and delegate answer below; any of them may reload or
+    // lay out the table again. Then this measurement is out of date: stop,
+    // and leave what a nested measurement built (or the reload's request).
+    const std::uint64_t generation = cells_->invalidate();
+    const std::uint64_t completed = completedMeasures_;
+    auto changed = [&] {
+        if (cells_->generation() == generation) return false;
+        // Unless a nested measurement finished, what is built so far is partial.
+        if (completedMeasures_ == completed) {
+            needsReload_ = true;
+            setNeedsLayout();
+        }
+        return true;
+    };
     sections_.clear();
     rowTops_.clear();
     rowHeights_.clear();
     double y = contentTop();
     if (dataSource_) {
         int count = dataSource_->numberOfSections(*this);
+        if (changed()) return;
         if (count < 0) {
             warn("a negative number of sections; none are shown");
             count = 0;
@@ -210,8 +226,10 @@ void TableView::measure() {
             section.top = y;
             section.header = checkedHeight(delegate_ ? delegate_->heightForHeader(*this, s) : std::nullopt,
                                            headerHeight_, "section header height");
+            if (changed() || !dataSource_) return;
             y += section.header;
             int rows = dataSource_->numberOfRows(*this, s);
+            if (changed()) return;
             if (rows < 0) {
                 warn("a negative number of rows in section " + std::to_string(s) + "; none are shown");
                 rows = 0;
@@ -221,12 +239,14 @@ void TableView::measure() {
             for (int r = 0; r < rows; ++r) {
                 double h = checkedHeight(delegate_ ? delegate_->heightForRow(*this, {s, r}) : std::nullopt,
                                          rowHeight_, "row height");
+                if (changed()) return;
                 rowTops_.push_back(y);
                 rowHeights_.push_back(h);
                 y += h;
             }
             section.footer = checkedHeight(delegate_ ? delegate_->heightForFooter(*this, s) : std::nullopt,
                                            footerHeight_, "section footer height");
+            if (changed() || !dataSource_) return;
             y += section.footer;
             section.bottom = y;
             sections_.push_back(section);
@@ -243,6 +263,7 @@ void TableView::measure() {
     }
     setContentSize({bounds().width, y});
     needsCells_ = true;
+    ++completedMeasures_;
 }
 
 int TableView::numberOfRows(int section) const {
@@ -364,7 +385,12 @@ void TableView::contentOffsetChanged() {
 
 void TableView::layoutSubviews() {
     ScrollView::layoutSubviews();
+    // The data source and delegate may drop the table while it lays out.
+    auto keep = weak_from_this().lock();
     if (needsReload_) measure();
+    // A reload asked for while measuring: that measurement is out of date,
+    // and the reload's own layout pass comes next.
+    if (needsReload_) return;
     if (needsCells_) layoutCells();
 }
 
@@ -436,32 +462,46 @@ void TableView::layoutCells() {
     cells_->recycleAllBut(wanted, [this](IndexPath leaving) {
         if (swipe_.row && leaving == *swipe_.row) closeSwipeActions();
     });
+    // Making a cell and announcing it run the owner's code, which may reload,
+    // scroll, resize or lay out the table; after a change of generation the
+    // paths and measurements here are stale, and this pass gives up.
+    const std::uint64_t placing = cells_->invalidate();
     for (IndexPath p : wanted) {
-        auto& slot = cells_->visible()[p];
-        if (!slot) {
-            auto cell = makeCell(p);
-            slot = cell;
+        std::shared_ptr<TableViewCell> cell = cells_->cellAt(p);
+        if (!cell) {
+            cell = makeCell(p);
+            if (cells_->generation() != placing) {
+                cells_->giveBack(cell);
+                return retryCells();
+            }
+            cells_->show(p, cell);
             if (cell->superview() != this) insertSubview(cell, tableHeader_ ? 1 : 0);
             cell->setHidden(false);
             configure(*cell, p);
             if (delegate_) delegate_->willDisplayCell(*this, *cell, p);
+            if (cells_->generation() != placing) return retryCells();
         }
         std::size_t i = flatIndex(p);
         double shift = swipe_.row && *swipe_.row == p ? swipe_.offset : 0;
-        slot->setFrame({shift, rowTops_[i], width, rowHeights_[i]});
+        cell->setFrame({shift, rowTops_[i], width, rowHeights_[i]});
     }
     // Cells past the reuse need are let go: a steady scroll frees at most a
     // row or two per frame, so two queued cells in all are enough.
     cells_->trimQueues(2);
-    layoutSupplementaryViews(top, bottom);
+    if (!layoutSupplementaryViews(top, bottom, placing)) return retryCells();
     if (swipe_.strip && swipe_.row) {
         gfx::Rect row = rectForRow(*swipe_.row);
         swipe_.strip->setFrame(row);
     }
 }
 
-void TableView::layoutSupplementaryViews(double top, double bottom) {
-    if (!delegate_) return;
+void TableView::retryCells() {
+    needsCells_ = true;
+    setNeedsLayout();
+}
+
+bool TableView::layoutSupplementaryViews(double top, double bottom, std::uint64_t generation) {
+    if (!delegate_) return true;
     auto place = [&](std::map<int, std::shared_ptr<View>>& views, bool header) {
         for (auto it = views.begin(); it != views.end();) {
             gfx::Rect r = header ? rectForHeader(it->first) : rectForFooter(it->first);
@@ -479,27 +519,38 @@ void TableView::layoutSupplementaryViews(double top, double bottom) {
     // Sections overlapping the viewport: binary search on their tops.
     auto firstSection = std::upper_bound(sections_.begin(), sections_.end(), top,
                                          [](double y, const Section& s) { return y < s.bottom; });
-    for (auto it = firstSection; it != sections_.end() && it->top < bottom; ++it) {
-        int s = int(it - sections_.begin());
+    // The delegate's answers may reload or lay out the table: sections are
+    // walked by index, and the walk stops once the generation moves.
+    auto stale = [&] { return cells_->generation() != generation || !delegate_; };
+    const std::size_t firstIndex = std::size_t(firstSection - sections_.begin());
+    for (std::size_t index = firstIndex; index < sections_.size() && sections_[index].top < bottom; ++index) {
+        int s = int(index);
         gfx::Rect h = rectForHeader(s);
         if (h.height > 0 && h.y + h.height > top && !headers_.count(s)) {
-            if (auto view = delegate_->viewForHeader(*this, s)) {
+            auto view = delegate_->viewForHeader(*this, s);
+            if (stale()) return false;
+            if (view) {
                 headers_[s] = view;
                 view->setFrame(h);
                 addSubview(view);
                 delegate_->willDisplayHeaderView(*this, *view, s);
+                if (stale()) return false;
             }
         }
         gfx::Rect f = rectForFooter(s);
         if (f.height > 0 && f.y < bottom && f.y + f.height > top && !footers_.count(s)) {
-            if (auto view = delegate_->viewForFooter(*this, s)) {
+            auto view = delegate_->viewForFooter(*this, s);
+            if (stale()) return false;
+            if (view) {
                 footers_[s] = view;
                 view->setFrame(f);
                 addSubview(view);
                 delegate_->willDisplayFooterView(*this, *view, s);
+                if (stale()) return false;
             }
         }
     }
+    return true;
 }
 
 void TableView::draw(gfx::Canvas& canvas, const gfx::Rect& rect) {
@@ -542,7 +593,7 @@ void TableView::deselectRow(IndexPath p, bool animated) {
     if (auto cell = cellForRow(p)) cell->setSelected(false, animated);
 }
 
-void TableView::touchBegan(gfx::Point location) {
+void TableView::contentTouchBegan(gfx::Point location) {
     if (!allowsSelection_ || swipe_.row) return;
     if (auto p = indexPathForRow(location)) {
         if (auto cell = cellForRow(*p)) {
@@ -552,14 +603,14 @@ void TableView::touchBegan(gfx::Point location) {
     }
 }
 
-void TableView::touchCancelled() {
+void TableView::contentTouchCancelled() {
     if (highlighted_) {
         if (auto cell = cellForRow(*highlighted_)) cell->setHighlighted(false);
         highlighted_.reset();
     }
 }
 
-void TableView::tapped(gfx::Point location) {
+void TableView::contentTapped(gfx::Point location) {
     if (highlighted_) {
         if (auto cell = cellForRow(*highlighted_)) cell->setHighlighted(false);
         highlighted_.reset();
@@ -611,10 +662,18 @@ bool TableView::beginHorizontalDrag(gfx::Point location) {
         closeSwipeActions();
         return true; // the drag only closes the open row
     }
-    if (!p || !dataSource_ || !delegate_ || !dataSource_->canEditRow(*this, *p)) return false;
+    if (!p || !dataSource_ || !delegate_) return false;
+    // The answers below are the owner's code: it may reload the table, drop
+    // its delegate or release it. After any of that the drag starts nothing.
+    auto keep = weak_from_this().lock();
+    const std::uint64_t generation = cells_->generation();
+    auto stale = [&] { return cells_->generation() != generation || !dataSource_ || !delegate_ || !valid(*p); };
+    if (!dataSource_->canEditRow(*this, *p) || stale()) return false;
     if (!swipe_.row) {
         auto leading = delegate_->leadingSwipeActions(*this, *p);
+        if (stale()) return false;
         auto trailing = delegate_->trailingSwipeActions(*this, *p);
+        if (stale()) return false;
         bool any = (leading && !leading->actions().empty()) || (trailing && !trailing->actions().empty());
         if (!any) return false;
         swipe_.row = p;
@@ -669,19 +728,29 @@ void TableView::horizontalDragEnded(double dx, double velocity) {
         closeSwipeActions();
 }
 
-bool TableView::openSwipeActions(IndexPath p, bool trailing) {
+bool TableView::openSwipeActions(IndexPath p, SwipeEdge edge) {
+    auto keep = weak_from_this().lock();
     layoutIfNeeded();
     closeSwipeActions();
-    if (!valid(p) || !dataSource_ || !delegate_ || !dataSource_->canEditRow(*this, p)) return false;
+    if (!valid(p) || !dataSource_ || !delegate_) return false;
+    // The owner's answers may reload the table or drop its delegate.
+    const std::uint64_t generation = cells_->generation();
+    auto stale = [&] { return cells_->generation() != generation || !dataSource_ || !delegate_ || !valid(p); };
+    if (!dataSource_->canEditRow(*this, p) || stale()) return false;
+    auto leading = delegate_->leadingSwipeActions(*this, p);
+    if (stale()) return false;
+    auto trailing = delegate_->trailingSwipeActions(*this, p);
+    if (stale()) return false;
     swipe_.row = p;
-    swipe_.leading = delegate_->leadingSwipeActions(*this, p);
-    swipe_.trailing = delegate_->trailingSwipeActions(*this, p);
-    double width = actionsWidth(trailing);
+    swipe_.leading = std::move(leading);
+    swipe_.trailing = std::move(trailing);
+    const bool trailingSide = edge == SwipeEdge::Trailing;
+    double width = actionsWidth(trailingSide);
     if (width <= 0) {
         swipe_ = Swipe{};
         return false;
     }
-    showSwipe(trailing ? -width : width);
+    showSwipe(trailingSide ? -width : width);
     return true;
 }
 

@@ -28,6 +28,7 @@
 #include <morvane/ui/collections/ScrollView.h>
 #include <morvane/ui/collections/TableViewCell.h>
 
+#include <cstdint>
 #include <functional>
 #include <map>
 #include <memory>
@@ -95,7 +96,8 @@ class TableView : public ScrollView {
     TableViewDataSource* dataSource() const { return dataSource_; }
     void setDataSource(TableViewDataSource* source);
     TableViewDelegate* delegate() const { return delegate_; }
-    void setDelegate(TableViewDelegate* delegate);
+    // Takes a TableViewDelegate; any other scroll view delegate hears only the scrolling.
+    void setDelegate(ScrollViewDelegate* delegate) override;
 
     double rowHeight() const { return rowHeight_; }
     void setRowHeight(double height);
@@ -179,8 +181,10 @@ class TableView : public ScrollView {
     // The row whose actions are showing, and how far (points; positive shows the leading actions).
     std::optional<IndexPath> swipedRow() const;
     double swipeOffset() const { return swipe_.offset; }
-    // Shows a row's actions as if swiped open (trailing side for negative `side`).
-    bool openSwipeActions(IndexPath indexPath, bool trailing);
+    // The side of a row whose actions show: leading (swiped right) or trailing (swiped left).
+    enum class SwipeEdge { Leading, Trailing };
+    // Shows a row's actions on one side as if swiped open; false when that side has none.
+    bool openSwipeActions(IndexPath indexPath, SwipeEdge edge);
     void closeSwipeActions();
     // The buttons of the open actions, in the configuration's order.
     std::vector<std::shared_ptr<View>> swipeActionButtons() const;
@@ -190,9 +194,9 @@ class TableView : public ScrollView {
   protected:
     void layoutSubviews() override;
     void contentOffsetChanged() override;
-    void touchBegan(gfx::Point location) override;
-    void tapped(gfx::Point location) override;
-    void touchCancelled() override;
+    void contentTouchBegan(gfx::Point location) override;
+    void contentTapped(gfx::Point location) override;
+    void contentTouchCancelled() override;
     bool beginHorizontalDrag(gfx::Point location) override;
     void horizontalDragMoved(double dx) override;
     void horizontalDragEnded(double dx, double velocity) override;
@@ -225,7 +229,10 @@ class TableView : public ScrollView {
         return sections_[std::size_t(indexPath.section)].firstRow + std::size_t(indexPath.row);
     }
     void layoutCells();
-    void layoutSupplementaryViews(double top, double bottom);
+    // A layout pass given up because the owner's code changed the table asks for another.
+    void retryCells();
+    // False when the delegate's answers made the pass stale (see layoutCells).
+    bool layoutSupplementaryViews(double top, double bottom, std::uint64_t generation);
     std::shared_ptr<TableViewCell> makeCell(IndexPath indexPath);
     void configure(TableViewCell& cell, IndexPath indexPath);
     double contentTop() const;
@@ -260,6 +267,7 @@ class TableView : public ScrollView {
     // Top of every row in content coordinates, all sections in one run.
     std::vector<double> rowTops_;
     std::vector<double> rowHeights_;
+    std::uint64_t completedMeasures_ = 0;
     bool needsReload_ = true;
     bool needsCells_ = true;
     int updateDepth_ = 0;

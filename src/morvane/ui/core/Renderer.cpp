@@ -95,7 +95,7 @@ void Renderer::drawView(View& view, gfx::Canvas& canvas, double now) {
     if (group)
         canvas.beginTransparencyLayer();
     else if (state.alpha < 1)
-        canvas.setAlpha(state.alpha);
+        canvas.multiplyAlpha(state.alpha);
 
     if (dissolve) {
         // A true cross-fade: the old look at 1 - t and the new at t are added,
@@ -105,7 +105,7 @@ void Renderer::drawView(View& view, gfx::Canvas& canvas, double now) {
         const gfx::Image& oldLook = view.animations_->oldLook;
         if (oldLook) {
             auto inner = canvas.saved();
-            canvas.setAlpha(1 - t);
+            canvas.multiplyAlpha(1 - t);
             canvas.drawImage(oldLook, gfx::Rect{0, 0, width, height});
         }
         {

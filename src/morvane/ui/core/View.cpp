@@ -85,7 +85,7 @@ void View::setBounds(const gfx::Rect& bounds) {
     auto from = presentation();
     gfx::Rect old = bounds_;
     bounds_ = bounds;
-    animateProperty(detail::kBounds, &from);
+    animateProperty(detail::kBounds, from);
     if (old.size() != bounds.size()) setNeedsLayout();
     changed();
     boundsChanged(old);
@@ -95,7 +95,7 @@ void View::setCenter(gfx::Point center) {
     if (center == center_) return;
     auto from = presentation();
     center_ = center;
-    animateProperty(detail::kCenter, &from);
+    animateProperty(detail::kCenter, from);
     changed();
 }
 
@@ -103,7 +103,7 @@ void View::setTransform(const gfx::Transform& transform) {
     if (transform == transform_) return;
     auto from = presentation();
     transform_ = transform;
-    animateProperty(detail::kTransform, &from);
+    animateProperty(detail::kTransform, from);
     changed();
 }
 
@@ -118,7 +118,7 @@ void View::setAlpha(double alpha) {
     if (alpha == alpha_) return;
     auto from = presentation();
     alpha_ = alpha;
-    animateProperty(detail::kAlpha, &from);
+    animateProperty(detail::kAlpha, from);
     changed();
 }
 
@@ -498,8 +498,7 @@ bool View::hasAnimations() const {
     return animations_ && animations_->runningAt(sys::Clock::now());
 }
 
-void View::animateProperty(int property, const void* fromState) {
-    const auto& from = *static_cast<const PresentationState*>(fromState);
+void View::animateProperty(detail::AnimatedProperty property, const PresentationState& from) {
     Animator::Context* context = Animator::current();
     if (!context || context->duration <= 0) {
         // A change outside an animation shows at once, ending a running one.

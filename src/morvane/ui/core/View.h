@@ -39,6 +39,7 @@ namespace morvane::ui {
 namespace detail {
 struct ViewAnimations;
 class Animator;
+enum AnimatedProperty : int;
 } // namespace detail
 
 // What an animation may change in place of a plain jump.
@@ -227,8 +228,8 @@ class View : public std::enable_shared_from_this<View> {
     void notifyWindowChange(Window* oldWindow, Window* newWindow);
     // One pass over the views marked for layout; true when one of them ran.
     bool layoutPass();
-    void animateProperty(int property, const void* from);
-    void cancelPropertyAnimation(int property);
+    // Starts the property's animation from what the screen showed (inside an animation block).
+    void animateProperty(detail::AnimatedProperty property, const PresentationState& from);
 
     gfx::Point center_;
     gfx::Rect bounds_;

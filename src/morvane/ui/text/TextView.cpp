@@ -186,7 +186,7 @@ bool TextView::keyPressed(Key key) {
     }
 }
 
-void TextView::tapped(gfx::Point) {
+void TextView::contentTapped(gfx::Point) {
     if (editable_) becomeFirstResponder();
 }
 

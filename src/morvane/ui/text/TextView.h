@@ -81,7 +81,7 @@ class TextView : public ScrollView {
 
   protected:
     void layoutSubviews() override;
-    void tapped(gfx::Point location) override;
+    void contentTapped(gfx::Point location) override;
 
   private:
     std::string shownText() const;

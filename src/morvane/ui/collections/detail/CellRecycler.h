@@ -4,10 +4,17 @@
 // identifier of cells that scrolled out and wait to be handed out again.
 // The owning view decides which index paths are wanted and where cells go;
 // this only moves cells between "shown" and "queued".
+//
+// Making a cell runs the data source's code, which may reload the view,
+// lay it out again or drop it. So nothing here hands out a reference into
+// the map of shown cells, and every change to that map moves a generation
+// count: a layout pass notes the generation before it calls out and stops
+// when it finds it moved (the pass that the change asked for does the work).
 
 #include <morvane/ui/collections/IndexPath.h>
 
 #include <algorithm>
+#include <cstdint>
 #include <functional>
 #include <map>
 #include <memory>
@@ -68,8 +75,17 @@ template <class Cell> class CellRecycler {
     }
 
     // ---- Cells on screen ---------------------------------------------------------
-    std::map<IndexPath, std::shared_ptr<Cell>>& visible() { return visible_; }
     const std::map<IndexPath, std::shared_ptr<Cell>>& visible() const { return visible_; }
+
+    // Moves whenever shown cells are given back or the owner's measurements
+    // are redone (invalidate), and at the start of every layout pass.
+    std::uint64_t generation() const { return generation_; }
+    std::uint64_t invalidate() { return ++generation_; }
+
+    // Shows the cell at the index path (the path held no cell).
+    void show(IndexPath p, std::shared_ptr<Cell> cell) { visible_[p] = std::move(cell); }
+    // A cell made for a pass that was given up: back to its queue.
+    void giveBack(const std::shared_ptr<Cell>& cell) { enqueue(cell); }
 
     std::shared_ptr<Cell> cellAt(IndexPath p) const {
         auto it = visible_.find(p);
@@ -103,28 +119,30 @@ template <class Cell> class CellRecycler {
     // ---- Giving cells back -------------------------------------------------------
     // Every visible cell goes back to its queue.
     void recycleAll() {
-        for (auto& [path, cell] : visible_)
-            enqueue(cell);
+        ++generation_;
+        auto leaving = std::move(visible_);
         visible_.clear();
+        for (auto& [path, cell] : leaving)
+            enqueue(cell);
     }
     // The cell of one index path, if shown.
     void recycle(IndexPath p) {
         auto it = visible_.find(p);
         if (it == visible_.end()) return;
-        enqueue(it->second);
+        ++generation_;
+        auto cell = std::move(it->second);
         visible_.erase(it);
+        enqueue(cell);
     }
     // Cells whose index path is not in `wanted` (sorted) go back first, so
     // the paths coming in can take them. `leaving` hears of each before.
     template <class Leaving> void recycleAllBut(const std::vector<IndexPath>& wanted, Leaving&& leaving) {
-        for (auto it = visible_.begin(); it != visible_.end();) {
-            if (!std::binary_search(wanted.begin(), wanted.end(), it->first)) {
-                leaving(it->first);
-                enqueue(it->second);
-                it = visible_.erase(it);
-            } else {
-                ++it;
-            }
+        std::vector<IndexPath> going;
+        for (auto& [path, cell] : visible_)
+            if (!std::binary_search(wanted.begin(), wanted.end(), path)) going.push_back(path);
+        for (IndexPath path : going) {
+            leaving(path);
+            recycle(path);
         }
     }
     // Lets go of queued cells past `keep`, oldest first.
@@ -162,6 +180,7 @@ template <class Cell> class CellRecycler {
     std::unordered_map<std::string, Registration> registrations_;
     std::unordered_map<std::string, std::vector<std::shared_ptr<Cell>>> queues_;
     std::map<IndexPath, std::shared_ptr<Cell>> visible_;
+    std::uint64_t generation_ = 0;
 };
 
 } // namespace morvane::ui::detail

@@ -18,7 +18,7 @@ class View;
 
 namespace morvane::ui::detail {
 
-enum AnimatedProperty { kCenter = 0, kBounds, kAlpha, kTransform, kPropertyCount };
+enum AnimatedProperty : int { kCenter = 0, kBounds, kAlpha, kTransform, kPropertyCount };
 
 // One animate() call: its completion runs once, when its time is up or when
 // its animations are removed.
