@@ -82,21 +82,22 @@ std::shared_ptr<VenueScreen> VenueScreen::make(const gfx::Rect& frame, std::stri
 }
 
 void VenueScreen::configureList() {
-    // The callbacks run once each, in this order, every time cfg is called;
-    // each receives what it may change, already reset to the list's default.
-    // First the keys of the row's picture, header line, body lines and price.
-    list_->cfg([](Keys& image) { image = kPictureKeys; },         //
-               [](Keys& header) { header = kHeaderKeys; },        //
-               [](Keys& body) { body = kBodyKeys; },              //
-               [](Keys& price) { price = kPriceKeys; },           //
-               [](bool& sort) { sort = true; },                   // sorted on every refresh,
-               [](Keys& sortBy) { sortBy = kSortKeys; },          // best rated first
-               [](bool& ascending) { ascending = false; },        //
-               [](float& lines) { lines = 5; },                   // rows five text lines high
-               [](float&) {},                                     // columns: for grids only
-               [](bool& checkBox) { checkBox = true; },           // a check mark on the selection,
-               [](std::string& selection) { selection.clear(); }, // none yet
-               [](bool& incKey) { incKey = false; });             // body lines without "key: "
+    // Each member runs once, in the list's fixed order, every time cfg is
+    // called, and receives what it may change, already reset to the list's
+    // default; members left out keep the default (numOfCol is for grids only).
+    list_->cfg({
+        .image = [](Keys& image) { image = kPictureKeys; },
+        .header = [](Keys& header) { header = kHeaderKeys; },
+        .body = [](Keys& body) { body = kBodyKeys; },
+        .price = [](Keys& price) { price = kPriceKeys; },
+        .sort = [](bool& sort) { sort = true; },            // sorted on every refresh,
+        .sortBy = [](Keys& sortBy) { sortBy = kSortKeys; }, // best rated first
+        .ascending = [](bool& ascending) { ascending = false; },
+        .cellHeight = [](float& lines) { lines = 5; },               // rows five text lines high
+        .checkBox = [](bool& checkBox) { checkBox = true; },         // a check mark on the selection,
+        .select = [](std::string& selection) { selection.clear(); }, // none yet
+        .incKey = [](bool& incKey) { incKey = false; },              // body lines without "key: "
+    });
 }
 
 void VenueScreen::watchList() {

@@ -1,8 +1,9 @@
 #pragma once
 // ListConfig: the configuration of a list, a grid or a composite as one
 // struct with a member per callback, beside the kit's twelve-callback cfg
-// operation. Members are in the order the kit calls them, so designated
-// initializers read in that order too:
+// operation. Members follow the order of that operation's arguments (and
+// designated initializers must follow it too); the component calls them in
+// its own fixed order, which its header states:
 //
 //   list->cfg({.header = [](auto& keys) { keys = {"name"}; },
 //              .body = [](auto& keys) { keys = {"phone", "time"}; },
