@@ -23,6 +23,10 @@ function(morvane_test name)
   target_compile_definitions(${name} PRIVATE
     MORVANE_SOURCE_DIR="${PROJECT_SOURCE_DIR}"
     MORVANE_SHARED_DATA_DIR="${MORVANE_SHARED_DATA_DIR}")
+  # Re-entrancy harness runs are long in the sanitizer build, short otherwise.
+  if(MORVANE_ASAN)
+    target_compile_definitions(${name} PRIVATE MORVANE_LONG_REENTRANCY_RUNS=1)
+  endif()
   gtest_discover_tests(${name} DISCOVERY_TIMEOUT 60 PROPERTIES TIMEOUT 300)
 endfunction()
 

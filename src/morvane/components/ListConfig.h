@@ -24,18 +24,18 @@ struct ListConfig {
     using SizeCB = std::function<void(float& value)>;
     using SelectionCB = std::function<void(std::string& selection)>;
 
-    KeysCB image;        // the picture's candidate keys (the kit's `cfg:` argument)
-    KeysCB header;       // the header line's candidate keys
-    KeysCB body;         // the keys whose values become body lines
-    KeysCB price;        // the price's candidate keys
-    FlagCB sort;         // sort on refresh
-    KeysCB sortBy;       // candidate sort keys
-    FlagCB ascending;    // sort direction
-    SizeCB cellHeight;   // row height in text lines
-    SizeCB numOfCol;     // columns (grids only; a list never calls it)
-    FlagCB checkBox;     // check-mark selection
-    SelectionCB select;  // the current selection
-    FlagCB incKey;       // prefix body lines with their key
+    KeysCB image{};       // the picture's candidate keys (the kit's `cfg:` argument)
+    KeysCB header{};      // the header line's candidate keys
+    KeysCB body{};        // the keys whose values become body lines
+    KeysCB price{};       // the price's candidate keys
+    FlagCB sort{};        // sort on refresh
+    KeysCB sortBy{};      // candidate sort keys
+    FlagCB ascending{};   // sort direction
+    SizeCB cellHeight{};  // row height in text lines
+    SizeCB numOfCol{};    // columns (grids only; a list never calls it)
+    FlagCB checkBox{};    // check-mark selection
+    SelectionCB select{}; // the current selection
+    FlagCB incKey{};      // prefix body lines with their key
 };
 
 } // namespace morvane
