@@ -3,7 +3,7 @@
 // pictures, bold and italic texts, a strip of four round buttons) and times the
 // frame, the PNG and JPEG codecs on it, and a repeated text measurement.
 //
-//   morvane_gfx_bench [frame.png]   (optionally writes the last frame)
+//   morvane_bench_gfx [frame.png]   (optionally writes the last frame)
 
 #include <morvane/gfx/Canvas.h>
 #include <morvane/gfx/ImageContext.h>
