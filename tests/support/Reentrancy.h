@@ -104,6 +104,8 @@ template <class Component> class ReentrancyHarness {
         ASSERT_TRUE(make_) << "no factory given";
         for (int step = 0; step < count && !::testing::Test::HasFatalFailure(); ++step) {
             if (!component_) create();
+            // Its first layout may already have released it.
+            if (!component_) continue;
             if (!inputs_.empty() && chance(random_, 0.35)) {
                 const auto& input = inputs_[std::size_t(randomInt(random_, 0, int(inputs_.size()) - 1))];
                 note(input.name);
@@ -116,6 +118,11 @@ template <class Component> class ReentrancyHarness {
                 host_.advance(0.05 * randomInt(random_, 1, 20));
             else
                 host_.runUntilIdle();
+            // Drawing now and then: views draw what the callbacks left behind.
+            if (chance(random_, 0.05)) {
+                note("draw");
+                (void)host_.snapshot(1);
+            }
             if (::testing::Test::HasFailure()) {
                 ADD_FAILURE() << "seed " << seed_ << ", step " << step << ", last steps:\n" << trace();
                 return;

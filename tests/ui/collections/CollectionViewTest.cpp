@@ -4,6 +4,7 @@
 #include <morvane/ui/core/Window.h>
 #include <morvane/ui/hosts/HeadlessHost.h>
 
+#include <Reentrancy.h>
 #include <Snapshot.h>
 #include <gtest/gtest.h>
 
@@ -134,6 +135,74 @@ TEST(CollectionView, ReusesCellsSelectsTappedItemsAndSurvivesBadAnswers) {
     EXPECT_EQ(grid->contentOffset().y, 0) << "a shorter content pulls the offset back";
     EXPECT_EQ(grid->visibleCells().size(), 6u);
     testing::expectImageMatches(host.snapshot(1), "tests/ui/collections/snapshots/grid.png");
+}
+
+// The grid shares the table's cell recycler: its data source and delegate
+// may reload it, resize it, drop it or change the item count from inside
+// any answer, while it measures, places cells or handles a tap.
+TEST(CollectionViewReentrancy, any_operation_from_any_answer_is_safe) {
+    using morvane::test::chance;
+    using morvane::test::Random;
+    using morvane::test::randomInt;
+    using morvane::test::ReentrancyHarness;
+    for (unsigned seed : {11u, 12u}) {
+        ReentrancyHarness<CollectionView> harness(seed);
+        struct Source : Tiles {
+            ReentrancyHarness<CollectionView>* harness = nullptr;
+            int numberOfItems(CollectionView& grid, int section) override {
+                harness->callback("numberOfItems");
+                return Tiles::numberOfItems(grid, section);
+            }
+            std::shared_ptr<CollectionViewCell> cellForItem(CollectionView& grid, IndexPath at) override {
+                auto cell = Tiles::cellForItem(grid, at);
+                harness->callback("cellForItem");
+                return cell;
+            }
+            void willDisplayCell(CollectionView&, CollectionViewCell&, IndexPath) override {
+                harness->callback("willDisplay");
+            }
+            std::optional<gfx::Size> sizeForItem(CollectionView&, IndexPath at) override {
+                if (at.item() % 7 == 0) harness->callback("sizeForItem");
+                return gfx::Size{120, 90};
+            }
+            void didSelectItem(CollectionView&, IndexPath) override { harness->callback("didSelect"); }
+            void didDeselectItem(CollectionView&, IndexPath) override { harness->callback("didDeselect"); }
+        } source;
+        source.harness = &harness;
+        source.count = 60;
+        harness.make([&source](ReentrancyHarness<CollectionView>&) {
+            auto grid = std::make_shared<CollectionView>(gfx::Rect{0, 0, 390, 700}, twoColumns());
+            grid->registerCell<Tile>("tile");
+            grid->setDataSource(&source);
+            grid->setDelegate(&source);
+            return grid;
+        });
+        harness.operation("reload", [](CollectionView& grid, Random&) { grid.reloadData(); });
+        harness.operation("invalidate", [](CollectionView& grid, Random&) { grid.invalidateLayout(); });
+        harness.operation("count",
+                          [&source](CollectionView&, Random& r) { source.count = randomInt(r, 0, 80); });
+        harness.operation("scroll", [](CollectionView& grid, Random& r) {
+            grid.setContentOffset({0, double(randomInt(r, 0, 3000))});
+        });
+        harness.operation("select", [](CollectionView& grid, Random& r) {
+            grid.selectItem(IndexPath::forItem(randomInt(r, 0, 70)));
+        });
+        harness.operation("layout now", [](CollectionView& grid, Random&) { grid.layoutIfNeeded(); });
+        harness.operation("drop data source", [&source](CollectionView& grid, Random& r) {
+            grid.setDataSource(chance(r, 0.5) ? nullptr : &source);
+        });
+        harness.operation("drop delegate", [&source](CollectionView& grid, Random& r) {
+            grid.setDelegate(chance(r, 0.5) ? nullptr : &source);
+        });
+        harness.input("tap", [](HeadlessHost& host, CollectionView& grid, Random& r) {
+            host.tap(morvane::test::randomPointIn(r, grid.convertRectTo(grid.bounds(), nullptr)));
+        });
+        harness.input("drag", [](HeadlessHost& host, CollectionView&, Random& r) {
+            host.drag({200, double(randomInt(r, 100, 700))}, {200, double(randomInt(r, 50, 800))}, 0.2, 5);
+        });
+        harness.run(ReentrancyHarness<CollectionView>::steps(500, 5000));
+        EXPECT_GT(harness.callbacks(), 100) << seed;
+    }
 }
 
 } // namespace
