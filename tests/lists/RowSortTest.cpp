@@ -76,7 +76,7 @@ std::vector<std::string> ids(const List& rows) {
 // The list's sort against the reference, both directions, with and without
 // repeated values: the fast path must answer only when no two values are
 // equal, or the exchange sort's own order among equal values is lost.
-TEST(RowSort, ListSortMatchesTheExchangeSortExactly) {
+TEST(RowSort, list_sort_matches_the_exchange_sort_exactly) {
     std::mt19937 random(20240501);
     auto list = std::make_shared<UITbl>();
     for (int round = 0; round < 40; ++round) {

@@ -49,7 +49,7 @@ class UITblCellTest : public ListsFixture {
 // Bodies grow line by line and start over with nothing; headers keep the last
 // piece after "-" then "/" and hide their markers. (Prices and check marks
 // are seen through the list.)
-TEST_F(UITblCellTest, FillingOperationsBuildTheRowTexts) {
+TEST_F(UITblCellTest, filling_operations_build_the_row_texts) {
     cell->addBody("a");
     cell->addBody("b");
     EXPECT_EQ(cell->bodyLbl()->text(), "a\nb");
@@ -74,7 +74,7 @@ TEST_F(UITblCellTest, FillingOperationsBuildTheRowTexts) {
 }
 
 // Everything is placed from the row height H, the width W and the text unit t.
-TEST_F(UITblCellTest, LayoutScalesWithTheRowHeight) {
+TEST_F(UITblCellTest, layout_scales_with_the_row_height) {
     const double t = UITblCell::getTextHeight();
     EXPECT_DOUBLE_EQ(t, 1.5 * gfx::TextMetrics::size("Sample Text", gfx::Font::systemFont(17)).height);
     for (double H : {100.0, 60.0}) {
@@ -102,7 +102,7 @@ TEST_F(UITblCellTest, LayoutScalesWithTheRowHeight) {
 
 // Resource pictures are applied on the main queue (their placement by shape
 // is checked with downloaded ones); no name hides the photo.
-TEST_F(UITblCellTest, ResourcePicturesArePlacedByTheirShape) {
+TEST_F(UITblCellTest, resource_pictures_are_placed_by_their_shape) {
     resourcePicture("tall", 70, 100, gfx::Color::redColor());
     cell->addImage("tall", std::nullopt);
     EXPECT_TRUE(loading()) << "the answer is applied on the main queue";

@@ -27,7 +27,7 @@ class UITblThreadsTest : public ListsFixture {};
 // Completions called on other threads, many times and while the main thread
 // keeps running its queue, change the cell only on the main thread and in
 // the order they were made.
-TEST_F(UITblThreadsTest, TranslationsFromOtherThreadsLandOnTheMainThread) {
+TEST_F(UITblThreadsTest, translations_from_other_threads_land_on_the_main_thread) {
     std::vector<UITbl::TranslateCompletion> completions;
     list->watchTranslate(
         [&](const std::string&, UITbl::TranslateCompletion done) { completions.push_back(std::move(done)); });
@@ -62,7 +62,7 @@ TEST_F(UITblThreadsTest, TranslationsFromOtherThreadsLandOnTheMainThread) {
 // Pictures downloaded over loopback: the shape decides how the circle shows
 // them. Wide ones fill, near-square ones fit (clipped), exactly square ones
 // fit unclipped, tall ones fit on their corner colour.
-TEST_F(UITblThreadsTest, DownloadedPicturesArePlacedByTheirShape) {
+TEST_F(UITblThreadsTest, downloaded_pictures_are_placed_by_their_shape) {
     test::LoopbackServer server;
     struct Case {
         int width;
@@ -119,7 +119,7 @@ TEST_F(UITblThreadsTest, DownloadedPicturesArePlacedByTheirShape) {
 }
 
 // The list asks for the picture named by the first image key, dated by "imaged".
-TEST_F(UITblThreadsTest, RowsLoadTheirPicturesThroughTheList) {
+TEST_F(UITblThreadsTest, rows_load_their_pictures_through_the_list) {
     test::LoopbackServer server;
     server.serve("/hotel.png", pngBytes(300, 100, gfx::Color::greenColor()), "image/png");
     ListConfig config;

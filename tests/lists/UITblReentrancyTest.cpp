@@ -28,7 +28,7 @@ class UITblReentrancyTest : public ListsFixture {};
 // A populate callback that reloads the list while the table is placing its
 // cells: the table used to keep a reference into its map of shown cells
 // across the call, which the reload cleared.
-TEST_F(UITblReentrancyTest, PopulateThatRefreshesTheListLeavesEveryRowShown) {
+TEST_F(UITblReentrancyTest, populate_that_refreshes_the_list_leaves_every_row_shown) {
     for (int i = 0; i < 40; ++i)
         list->adData(Node::make({{"key", "r" + std::to_string(100 + i)}}));
     bool refreshed = false;
@@ -49,7 +49,7 @@ TEST_F(UITblReentrancyTest, PopulateThatRefreshesTheListLeavesEveryRowShown) {
 // Random operations, taps, scrolls, swipes and pulls; every callback the list
 // makes (configuration, select, populate, refresh, swipe, translation, the
 // row callbacks) runs another random operation, releasing the list included.
-TEST_F(UITblReentrancyTest, AnyOperationFromAnyCallbackIsSafe) {
+TEST_F(UITblReentrancyTest, any_operation_from_any_callback_is_safe) {
     for (unsigned seed : {1u, 2u, 3u}) {
         ReentrancyHarness<UITbl> harness(seed);
         std::vector<UITbl::TranslateCompletion> pending;

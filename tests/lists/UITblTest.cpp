@@ -48,7 +48,7 @@ std::string joined(const Keys& keys) {
 // once, in the fixed order. It is not cumulative: a second configuration with
 // empty callbacks brings back the defaults (descending, 5 lines) but keeps
 // rows, registries and swipe entries.
-TEST_F(UITblTest, ConfigurationRunsInOrderFromFreshDefaults) {
+TEST_F(UITblTest, configuration_runs_in_order_from_fresh_defaults) {
     Keys seen;
     auto keys = [&](std::string name, Keys set) {
         return [&seen, name, set](Keys& k) { seen.push_back(name + "=" + joined(k)), k = set; };
@@ -94,7 +94,7 @@ TEST_F(UITblTest, ConfigurationRunsInOrderFromFreshDefaults) {
 
 // Before any configuration: ascending by "key", 4 lines high, no header,
 // picture or price looked up, and the body lists the row's own keys.
-TEST_F(UITblTest, UnconfiguredListShowsRowsByTheirOwnKeys) {
+TEST_F(UITblTest, unconfigured_list_shows_rows_by_their_own_keys) {
     list->adData(Node::make({{"key", "k2"}, {"name", "Two"}, {"image", "pic"}, {"price", "9"}}));
     list->adData(Node::make({{"key", "k1"}, {"name", "One"}}));
     list->refresh();
@@ -109,7 +109,7 @@ TEST_F(UITblTest, UnconfiguredListShowsRowsByTheirOwnKeys) {
 
 // The first listSortBy key that every row has decides (valKey finds nested
 // values too); a key one row lacks is passed over; sorting off keeps the order.
-TEST_F(UITblTest, SortingUsesTheFirstKeyEveryRowHas) {
+TEST_F(UITblTest, sorting_uses_the_first_key_every_row_has) {
     list->adData(Node::make({{"key", "a"}, {"rank", "2"}, {"city", "Oslo"}}));
     list->adData(Node::make({{"key", "b"}, {"where", Node::make({{"city", "Bern"}})}}));
     list->adData(Node::make({{"key", "c"}, {"rank", "1"}, {"city", "Rome"}}));
@@ -134,7 +134,7 @@ TEST_F(UITblTest, SortingUsesTheFirstKeyEveryRowHas) {
 }
 
 // The selection marks every row whose key contains it: "A1" marks A1 and A12.
-TEST_F(UITblTest, CheckMarksFollowTheSelectionAsASubstring) {
+TEST_F(UITblTest, check_marks_follow_the_selection_as_a_substring) {
     addRows({"A1", "A12", "B1", "A2"});
     ListConfig config;
     config.ascending = [](bool& on) { on = true; };
@@ -156,7 +156,7 @@ TEST_F(UITblTest, CheckMarksFollowTheSelectionAsASubstring) {
 // key and Node; with check marks on it moves the selection and re-sorts, with
 // them off it does neither. Keyless rows are not reported; re-registering a
 // name replaces it in place; no name empties the registries.
-TEST_F(UITblTest, TapsReportTheRowAndMoveTheCheckMark) {
+TEST_F(UITblTest, taps_report_the_row_and_move_the_check_mark) {
     Keys calls;
     NodePtr lastRow;
     auto record = [&](std::string who) {
@@ -201,7 +201,7 @@ TEST_F(UITblTest, TapsReportTheRowAndMoveTheCheckMark) {
 
 // A select, refresh or swipe callback may release the list while the table
 // is still handling the finger; the other select callbacks still run.
-TEST_F(UITblTest, CallbacksMayReleaseTheList) {
+TEST_F(UITblTest, callbacks_may_release_the_list) {
     auto release = [this] { list->removeFromSuperview(), list.reset(); };
     for (int gesture = 0; gesture < 3; ++gesture) {
         int selects = 0;
@@ -227,7 +227,7 @@ TEST_F(UITblTest, CallbacksMayReleaseTheList) {
 
 // Populate callbacks run before the row is filled, so their changes show;
 // rows without a key do not reach them, rows that are no Node stay blank.
-TEST_F(UITblTest, PopulateRunsBeforeTheRowIsDrawn) {
+TEST_F(UITblTest, populate_runs_before_the_row_is_drawn) {
     Keys populated;
     list->watchTbl("owner", {},
                    [&](const Value& key, const NodePtr& row) {
@@ -253,7 +253,7 @@ TEST_F(UITblTest, PopulateRunsBeforeTheRowIsDrawn) {
 // piece after "-" and "/". Marked texts go to the hook, show without the
 // marker meanwhile, and their translations land later on the main queue
 // (body lines after those shown at once).
-TEST_F(UITblTest, RowsShowTheirChosenKeysAndTranslateMarkedTexts) {
+TEST_F(UITblTest, rows_show_their_chosen_keys_and_translate_marked_texts) {
     Keys asked;
     std::vector<UITbl::TranslateCompletion> pending;
     list->watchTranslate([&](const std::string& text, UITbl::TranslateCompletion done) {
@@ -293,7 +293,7 @@ TEST_F(UITblTest, RowsShowTheirChosenKeysAndTranslateMarkedTexts) {
 
 // A swipe action runs its own callback, then every select callback, once
 // each, on either side; then the row closes.
-TEST_F(UITblTest, SwipeActionsOnBothSidesCallBackThenSelect) {
+TEST_F(UITblTest, swipe_actions_on_both_sides_call_back_then_select) {
     Keys calls;
     list->watchTbl("owner",
                    [&](const Value& key, const NodePtr&) { calls.push_back("select " + key.textOr()); }, {},
@@ -329,7 +329,7 @@ TEST_F(UITblTest, SwipeActionsOnBothSidesCallBackThenSelect) {
 
 // Pulling the list down logs, ends the refreshing state and calls every
 // refresh callback with "" and a new empty Node of its own.
-TEST_F(UITblTest, PullToRefreshCallsEveryRefreshCallback) {
+TEST_F(UITblTest, pull_to_refresh_calls_every_refresh_callback) {
     Keys calls;
     std::vector<NodePtr> nodes;
     for (const std::string name : {"one", "two"}) {
@@ -353,7 +353,7 @@ TEST_F(UITblTest, PullToRefreshCallsEveryRefreshCallback) {
 
 // Moving rows swaps shallow copies and calls back with the rows; the edges
 // (and an empty list) refuse without calling back.
-TEST_F(UITblTest, MovingRowsStopsAtTheEdges) {
+TEST_F(UITblTest, moving_rows_stops_at_the_edges) {
     addRows({"a", "b", "c"});
     int calls = 0;
     const UITbl::DataCB count = [&](const ListPtr& rows) { calls += rows == list->myData(); };
@@ -377,7 +377,7 @@ TEST_F(UITblTest, MovingRowsStopsAtTheEdges) {
 
 // The list's colour goes to its cells and, 0.1 lighter, to the table; the
 // table fills the list; the section header is a sliver; the name observer logs.
-TEST_F(UITblTest, AppearanceFollowsTheListsColour) {
+TEST_F(UITblTest, appearance_follows_the_lists_colour) {
     addRows({"a"});
     show();
     const gfx::Color navy = Colors::hex("#203050");

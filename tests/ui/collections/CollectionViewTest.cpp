@@ -57,7 +57,7 @@ FlowLayout twoColumns() {
     return layout;
 }
 
-TEST(FlowLayout, TwoColumnsOnA300PointGridMatchHandComputedFrames) {
+TEST(FlowLayout, two_columns_on_a300_point_grid_match_hand_computed_frames) {
     FlowLayout layout = twoColumns();
     layout.prepare(300, {5}, {});
     EXPECT_EQ(layout.frameForItem(IndexPath::forItem(0)), (gfx::Rect{6, 6, 141, 180}));
@@ -92,7 +92,7 @@ TEST(FlowLayout, TwoColumnsOnA300PointGridMatchHandComputedFrames) {
     EXPECT_EQ(layout.frameForItem(IndexPath::forItem(2)).y, 6);
 }
 
-TEST(CollectionView, ReusesCellsSelectsTappedItemsAndSurvivesBadAnswers) {
+TEST(CollectionView, reuses_cells_selects_tapped_items_and_survives_bad_answers) {
     HeadlessHost host;
     Tiles tiles;
     auto grid = std::make_shared<CollectionView>(gfx::Rect{0, 0, 300, 844}, twoColumns());

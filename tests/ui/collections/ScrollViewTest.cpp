@@ -33,7 +33,7 @@ struct ScrollFixture : ::testing::Test {
     }
 };
 
-TEST_F(ScrollFixture, DraggingMovesTheContentUnderTheFingerThenGlidesToRest) {
+TEST_F(ScrollFixture, dragging_moves_the_content_under_the_finger_then_glides_to_rest) {
     host.drag({200, 500}, {200, 300}, 0.1, 5);
     EXPECT_NEAR(scroll->contentOffset().y, 200, 0.5);
     // The child moved with the content: window position = content position - offset.
@@ -55,7 +55,7 @@ TEST_F(ScrollFixture, DraggingMovesTheContentUnderTheFingerThenGlidesToRest) {
     host.touchUp({200, 300});
 }
 
-TEST_F(ScrollFixture, ADragStartingOnAButtonScrollsAndATapStillPresses) {
+TEST_F(ScrollFixture, a_drag_starting_on_a_button_scrolls_and_a_tap_still_presses) {
     auto button = std::make_shared<Button>();
     button->setFrame({50, 100, 200, 60});
     int presses = 0;
@@ -72,7 +72,7 @@ TEST_F(ScrollFixture, ADragStartingOnAButtonScrollsAndATapStillPresses) {
     EXPECT_EQ(presses, 1);
 }
 
-TEST_F(ScrollFixture, EdgesBounceOrStopAndDisabledScrollingStaysPut) {
+TEST_F(ScrollFixture, edges_bounce_or_stop_and_disabled_scrolling_stays_put) {
     scroll->setContentOffset(scroll->maximumContentOffset());
     host.drag({200, 300}, {200, 100}, 0.5, 10);
     EXPECT_GT(scroll->contentOffset().y, scroll->maximumContentOffset().y) << "rubber band past the end";

@@ -100,7 +100,7 @@ struct TableFixture : ::testing::Test {
 // Catches off-by-one runs: a row cut by the top edge must count, a row that
 // ends exactly at the top or starts exactly at the bottom must not, and empty
 // rows at the edge are not shown.
-TEST(VisibleRows, TheRunHoldsExactlyTheRowsCrossingTheViewport) {
+TEST(VisibleRows, the_run_holds_exactly_the_rows_crossing_the_viewport) {
     using detail::visibleRows;
     std::vector<double> tops{0, 44, 88, 88, 132};
     std::vector<double> heights{44, 44, 0, 44, 44};
@@ -118,7 +118,7 @@ TEST(VisibleRows, TheRunHoldsExactlyTheRowsCrossingTheViewport) {
     EXPECT_EQ(run.first, run.end);
 }
 
-TEST_F(TableFixture, OnlyVisibleRowsHaveCellsAndScrolledOutCellsAreReused) {
+TEST_F(TableFixture, only_visible_rows_have_cells_and_scrolled_out_cells_are_reused) {
     // 844 / 44 = 19.2: rows 0...19 on screen.
     EXPECT_EQ(table->visibleCells().size(), 20u);
     EXPECT_EQ(table->contentSize().height, 4400);
@@ -139,7 +139,7 @@ TEST_F(TableFixture, OnlyVisibleRowsHaveCellsAndScrolledOutCellsAreReused) {
     EXPECT_GT(reuses, 0) << "cells scrolled in were taken from the queue";
 }
 
-TEST_F(TableFixture, TappingARowAfterScrollingSelectsThatRow) {
+TEST_F(TableFixture, tapping_a_row_after_scrolling_selects_that_row) {
     scrollTo(44 * 50 + 10);
     // Row 60 sits at 2640 in content, 2640 - 2210 = 430 on screen.
     host.tap({100, 430 + 20});
@@ -156,7 +156,7 @@ TEST_F(TableFixture, TappingARowAfterScrollingSelectsThatRow) {
     EXPECT_EQ(table->indexPathsForSelectedRows(), (std::vector<IndexPath>{IndexPath::forRow(61)}));
 }
 
-TEST_F(TableFixture, ADragScrollsAndGlidesWithoutSelecting) {
+TEST_F(TableFixture, a_drag_scrolls_and_glides_without_selecting) {
     host.drag({200, 700}, {200, 300}, 0.2, 10);
     EXPECT_TRUE(rows.selected.empty());
     double released = table->contentOffset().y;
@@ -174,7 +174,7 @@ TEST_F(TableFixture, ADragScrollsAndGlidesWithoutSelecting) {
     EXPECT_EQ(table->contentOffset().y, 0);
 }
 
-TEST_F(TableFixture, SwipeRevealsActionsWhoseHandlersRunAndClose) {
+TEST_F(TableFixture, swipe_reveals_actions_whose_handlers_run_and_close) {
     std::vector<std::string> calls;
     auto remove = ContextualAction::make(ContextualAction::Style::Normal, "Remove",
                                          [&](ContextualAction& a, View&, ContextualAction::Completion done) {
@@ -236,7 +236,7 @@ TEST_F(TableFixture, SwipeRevealsActionsWhoseHandlersRunAndClose) {
     EXPECT_FALSE(table->swipedRow());
 }
 
-TEST_F(TableFixture, PullToRefreshFiresOncePerPull) {
+TEST_F(TableFixture, pull_to_refresh_fires_once_per_pull) {
     auto refresh = std::make_shared<RefreshControl>();
     int fired = 0;
     refresh->addAction(ControlEvent::ValueChanged, [&](Control&) { ++fired; });
@@ -271,7 +271,7 @@ TEST_F(TableFixture, PullToRefreshFiresOncePerPull) {
     EXPECT_EQ(fired, 2);
 }
 
-TEST_F(TableFixture, UpdateBlocksRemeasureRowsAndReloadAsksAgain) {
+TEST_F(TableFixture, update_blocks_remeasure_rows_and_reload_asks_again) {
     rows.height = 60;
     table->beginUpdates();
     EXPECT_EQ(table->rectForRow(IndexPath::forRow(2)).y, 88) << "heights change only at the end of the block";
@@ -289,7 +289,7 @@ TEST_F(TableFixture, UpdateBlocksRemeasureRowsAndReloadAsksAgain) {
     EXPECT_EQ(table->indexPathForRow({10, 200}), std::nullopt);
 }
 
-TEST_F(TableFixture, BadAnswersAreLoggedAndTheTableStaysUsable) {
+TEST_F(TableFixture, bad_answers_are_logged_and_the_table_stays_usable) {
     sys::Log::Capture log;
     // More rows reported than produced (the source throws, or gives nothing).
     rows.produces = 5;
@@ -334,7 +334,7 @@ TEST_F(TableFixture, BadAnswersAreLoggedAndTheTableStaysUsable) {
     EXPECT_EQ(rows.selected.back(), 4);
 }
 
-TEST_F(TableFixture, GroupedTableSnapshot) {
+TEST_F(TableFixture, grouped_table_snapshot) {
     struct Sections : Rows {
         int numberOfSections(TableView&) override { return 2; }
         int numberOfRows(TableView&, int section) override { return section == 0 ? 3 : 4; }
@@ -378,7 +378,7 @@ struct Sectioned : Rows {
     }
 };
 
-TEST(TableSections, HeadersFootersAndEmptySectionsFindTheRightRows) {
+TEST(TableSections, headers_footers_and_empty_sections_find_the_right_rows) {
     HeadlessHost host;
     Sectioned source;
     auto table = std::make_shared<TableView>(gfx::Rect{0, 0, 390, 844});
@@ -429,7 +429,7 @@ TEST(TableSections, HeadersFootersAndEmptySectionsFindTheRightRows) {
     EXPECT_EQ(table->indexPathsForSelectedRows(), (std::vector<IndexPath>{{37, 5}}));
 }
 
-TEST(TableRefresh, BeginningAndEndingMakesAndGivesBackRoomAboveTheRows) {
+TEST(TableRefresh, beginning_and_ending_makes_and_gives_back_room_above_the_rows) {
     HeadlessHost host;
     Rows rows;
     auto table = std::make_shared<TableView>(gfx::Rect{0, 0, 390, 844});

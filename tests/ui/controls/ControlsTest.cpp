@@ -21,7 +21,7 @@
 namespace morvane::ui {
 namespace {
 
-TEST(SegmentedControl, TouchSelectsSegmentAndReportsOnlyRealChanges) {
+TEST(SegmentedControl, touch_selects_segment_and_reports_only_real_changes) {
     HeadlessHost host;
     auto control = std::make_shared<SegmentedControl>(std::vector<std::string>{"Arrivals", "Departures"});
     control->setFrame({0, 100, 200, 32});
@@ -51,7 +51,7 @@ TEST(SegmentedControl, TouchSelectsSegmentAndReportsOnlyRealChanges) {
     EXPECT_EQ(control->titleForSegment(3), std::nullopt);
 }
 
-TEST(Toolbar, FlexibleSpacePushesDoneToTheRightAndDoneRunsItsAction) {
+TEST(Toolbar, flexible_space_pushes_done_to_the_right_and_done_runs_its_action) {
     HeadlessHost host;
     int done = 0;
     auto toolbar = std::make_shared<Toolbar>(gfx::Rect{0, 400, 390, Toolbar::kDefaultHeight});
@@ -73,7 +73,7 @@ TEST(Toolbar, FlexibleSpacePushesDoneToTheRightAndDoneRunsItsAction) {
     EXPECT_EQ(done, 1);
 }
 
-TEST(ActivityIndicator, ShowsOnlyWhileAnimatingAndKeepsFramesComing) {
+TEST(ActivityIndicator, shows_only_while_animating_and_keeps_frames_coming) {
     auto spinner = std::make_shared<ActivityIndicator>(ActivityIndicator::Style::Large);
     EXPECT_EQ(spinner->bounds().size(), (gfx::Size{37, 37}));
     EXPECT_TRUE(spinner->isHidden());
@@ -90,7 +90,7 @@ TEST(ActivityIndicator, ShowsOnlyWhileAnimatingAndKeepsFramesComing) {
     EXPECT_EQ(detail::Animator::continuousCount(), before);
 }
 
-TEST(ActivityIndicator, TurnsWithTheClock) {
+TEST(ActivityIndicator, turns_with_the_clock) {
     HeadlessHost host({60, 60});
     auto spinner = std::make_shared<ActivityIndicator>(ActivityIndicator::Style::Large);
     spinner->setColor(gfx::Color::blackColor());
@@ -108,7 +108,7 @@ TEST(ActivityIndicator, TurnsWithTheClock) {
     spinner->stopAnimating();
 }
 
-TEST(Button, LaysOutImageAndTitleByContentAlignment) {
+TEST(Button, lays_out_image_and_title_by_content_alignment) {
     auto button = std::make_shared<Button>(gfx::Rect{0, 0, 200, 50});
     button->setTitle("Pay");
     button->titleLabel()->setFont(gfx::Font::systemFont(17));
@@ -131,7 +131,7 @@ TEST(Button, LaysOutImageAndTitleByContentAlignment) {
     EXPECT_EQ(button->titleLabel()->text(), "Paying");
 }
 
-TEST(Controls, SnapshotOfControlsTogether) {
+TEST(Controls, snapshot_of_controls_together) {
     HeadlessHost host({320, 260});
     auto root = host.root();
     root->setBackgroundColor(gfx::Color::gray(0.95));

@@ -20,7 +20,7 @@ std::shared_ptr<View> box(const gfx::Rect& frame, const gfx::Color& color) {
     return view;
 }
 
-TEST(Animation, ModelIsFinalAtOnceWhileTheScreenMovesByTheClock) {
+TEST(Animation, model_is_final_at_once_while_the_screen_moves_by_the_clock) {
     HeadlessHost host;
     auto view = box({0, 0, 100, 100}, gfx::Color::redColor());
     host.root()->addSubview(view);
@@ -53,7 +53,7 @@ TEST(Animation, ModelIsFinalAtOnceWhileTheScreenMovesByTheClock) {
     EXPECT_FALSE(view->hasAnimations());
 }
 
-TEST(Animation, CompletionsRunInTimeOrderAndChainedAnimationsFollowOn) {
+TEST(Animation, completions_run_in_time_order_and_chained_animations_follow_on) {
     HeadlessHost host;
     auto strip = box({0, 800, 390, 40}, gfx::Color::blueColor());
     host.root()->addSubview(strip);
@@ -95,7 +95,7 @@ TEST(Animation, CompletionsRunInTimeOrderAndChainedAnimationsFollowOn) {
     EXPECT_TRUE(strip->isHidden());
 }
 
-TEST(Animation, ALaterAnimationStartsFromTheScreenAndRemovalFinishesWithFalse) {
+TEST(Animation, a_later_animation_starts_from_the_screen_and_removal_finishes_with_false) {
     HeadlessHost host;
     auto view = box({0, 0, 100, 100}, gfx::Color::greenColor());
     host.root()->addSubview(view);
@@ -129,7 +129,7 @@ TEST(Animation, ALaterAnimationStartsFromTheScreenAndRemovalFinishesWithFalse) {
     EXPECT_EQ(results, (std::vector<bool>{false})) << "a completion runs once";
 }
 
-TEST(Animation, CrossDissolveShowsTheOldLookFadingOutAndFinishes) {
+TEST(Animation, cross_dissolve_shows_the_old_look_fading_out_and_finishes) {
     HeadlessHost host({100, 100});
     auto view = box({0, 0, 100, 100}, gfx::Color::redColor());
     host.root()->addSubview(view);
@@ -151,7 +151,7 @@ TEST(Animation, CrossDissolveShowsTheOldLookFadingOutAndFinishes) {
     EXPECT_TRUE(done);
 }
 
-TEST(Animation, MidAnimationSnapshotMatchesReference) {
+TEST(Animation, mid_animation_snapshot_matches_reference) {
     HeadlessHost host({200, 200});
     auto card = box({20, 20, 60, 60}, gfx::Color::fromBytes(0x1e, 0x88, 0xe5));
     card->layer().setCornerRadius(10);

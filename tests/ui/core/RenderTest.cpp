@@ -69,7 +69,7 @@ std::shared_ptr<Window> cardScreen(HeadlessHost& host) {
     return host.root();
 }
 
-TEST(Render, CardSnapshotsMatchReferencesAtScalesOneAndThree) {
+TEST(Render, card_snapshots_match_references_at_scales_one_and_three) {
     HeadlessHost host({300, 280});
     cardScreen(host);
     host.runUntilIdle();
@@ -77,7 +77,7 @@ TEST(Render, CardSnapshotsMatchReferencesAtScalesOneAndThree) {
     morvane::testing::expectImageMatches(host.snapshot(3), "tests/ui/core/snapshots/card@3x.png");
 }
 
-TEST(Render, ClippedCardHidesItsShadowAndCutsItsChildren) {
+TEST(Render, clipped_card_hides_its_shadow_and_cuts_its_children) {
     HeadlessHost host({300, 280});
     cardScreen(host);
     View& card = *host.root()->subviews().front();
@@ -87,7 +87,7 @@ TEST(Render, ClippedCardHidesItsShadowAndCutsItsChildren) {
 }
 
 // Pixel rules, each named by the fault it would catch.
-TEST(Render, DrawingRulesHoldPixelByPixel) {
+TEST(Render, drawing_rules_hold_pixel_by_pixel) {
     HeadlessHost host({100, 100});
     auto color = [&](int x, int y) { return *host.snapshot(1).pixelColor(x, y); };
     const gfx::Color white = gfx::Color::whiteColor();
@@ -156,7 +156,7 @@ TEST(Render, DrawingRulesHoldPixelByPixel) {
     EXPECT_TRUE(color(65, 65).isClose(gfx::Color::redColor(), 0.01));
 }
 
-TEST(Render, ImageOfAViewIsItsBoundsAtTheScale) {
+TEST(Render, image_of_a_view_is_its_bounds_at_the_scale) {
     auto view = box({50, 50, 30, 20}, gfx::Color::greenColor());
     gfx::Image image = Renderer::imageOf(*view, 2);
     EXPECT_EQ(image.pixelWidth(), 60);

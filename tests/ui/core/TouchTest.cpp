@@ -18,7 +18,7 @@ namespace {
 using testing::makeView;
 using testing::RecordingView;
 
-TEST(HitTest, FrontmostVisibleInteractiveViewWinsThroughNestingAndTransforms) {
+TEST(HitTest, frontmost_visible_interactive_view_wins_through_nesting_and_transforms) {
     auto root = makeView({0, 0, 400, 400});
     auto back = makeView({0, 0, 200, 200});
     auto front = makeView({100, 100, 200, 200});
@@ -62,7 +62,7 @@ TEST(HitTest, FrontmostVisibleInteractiveViewWinsThroughNestingAndTransforms) {
     EXPECT_EQ(root->hitTest({155, 115}), nested.get());
 }
 
-TEST(Touches, GoToTheViewTheyBeganOnAndUnhandledOnesClimbToTheParent) {
+TEST(Touches, go_to_the_view_they_began_on_and_unhandled_ones_climb_to_the_parent) {
     std::vector<std::string> journal;
     HeadlessHost host;
     auto card = std::make_shared<RecordingView>("card", journal, gfx::Rect{50, 100, 200, 200});
@@ -79,7 +79,7 @@ TEST(Touches, GoToTheViewTheyBeganOnAndUnhandledOnesClimbToTheParent) {
     EXPECT_EQ(card->lastLocation, (gfx::Point{250, 500})) << "locations come in the card's coordinates";
 }
 
-TEST(Touches, ButtonFiresTouchUpInsideOnlyWhenReleasedInside) {
+TEST(Touches, button_fires_touch_up_inside_only_when_released_inside) {
     HeadlessHost host;
     auto button = std::make_shared<Button>(gfx::Rect{100, 100, 100, 40});
     button->setTitle("Go");
@@ -111,7 +111,7 @@ TEST(Touches, ButtonFiresTouchUpInsideOnlyWhenReleasedInside) {
     EXPECT_TRUE(events.empty());
 }
 
-TEST(Touches, TapRecognizerFiresOnTapsCancelsTheTouchAndLeavesControlsAlone) {
+TEST(Touches, tap_recognizer_fires_on_taps_cancels_the_touch_and_leaves_controls_alone) {
     std::vector<std::string> journal;
     HeadlessHost host;
     auto card = std::make_shared<RecordingView>("card", journal, gfx::Rect{0, 100, 300, 300});
@@ -167,7 +167,7 @@ class DragRecognizer : public GestureRecognizer {
     gfx::Point start_;
 };
 
-TEST(Touches, ADragRecognizerTakesOverATouchThatBeganOnAButton) {
+TEST(Touches, a_drag_recognizer_takes_over_a_touch_that_began_on_a_button) {
     HeadlessHost host;
     auto list = makeView({0, 0, 390, 600});
     auto button = std::make_shared<Button>(gfx::Rect{20, 20, 200, 60});
@@ -200,7 +200,7 @@ TEST(Touches, ADragRecognizerTakesOverATouchThatBeganOnAButton) {
     EXPECT_EQ(actions, 3);
 }
 
-TEST(Touches, CallbacksThatRemoveAndDropViewsMidDispatchDoNotCrash) {
+TEST(Touches, callbacks_that_remove_and_drop_views_mid_dispatch_do_not_crash) {
     HeadlessHost host;
     std::weak_ptr<Button> watch;
     std::weak_ptr<View> cardWatch;
@@ -248,7 +248,7 @@ TEST(Touches, CallbacksThatRemoveAndDropViewsMidDispatchDoNotCrash) {
     EXPECT_TRUE(host.root()->subviews().empty());
 }
 
-TEST(Typing, TextAndKeysReachTheFocusedViewAndClimbWhenUnhandled) {
+TEST(Typing, text_and_keys_reach_the_focused_view_and_climb_when_unhandled) {
     struct Field : View {
         using View::View;
         bool canBecomeFirstResponder() const override { return true; }

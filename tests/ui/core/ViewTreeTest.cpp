@@ -23,7 +23,7 @@ std::vector<View*> children(const View& view) {
     return out;
 }
 
-TEST(ViewTree, AddingAViewToItselfOrItsDescendantIsRefusedAndLogged) {
+TEST(ViewTree, adding_a_view_to_itself_or_its_descendant_is_refused_and_logged) {
     sys::Log::Capture log;
     auto parent = makeView({0, 0, 100, 100});
     auto child = makeView({0, 0, 50, 50});
@@ -43,7 +43,7 @@ TEST(ViewTree, AddingAViewToItselfOrItsDescendantIsRefusedAndLogged) {
     EXPECT_TRUE(log.contains("View: refused to add a view to one of its own descendants"));
 }
 
-TEST(ViewTree, ChildOrderFollowsInsertionsMovesAndReparenting) {
+TEST(ViewTree, child_order_follows_insertions_moves_and_reparenting) {
     auto parent = makeView({0, 0, 100, 100});
     auto a = makeView({}), b = makeView({}), c = makeView({});
     parent->addSubview(a);
@@ -71,7 +71,7 @@ TEST(ViewTree, ChildOrderFollowsInsertionsMovesAndReparenting) {
     EXPECT_EQ(a->superview(), nullptr);
 }
 
-TEST(ViewTree, FocusBelongsToTheWindowAndLeavesWithTheView) {
+TEST(ViewTree, focus_belongs_to_the_window_and_leaves_with_the_view) {
     struct Field : View {
         using View::View;
         bool canBecomeFirstResponder() const override { return true; }
@@ -101,7 +101,7 @@ TEST(ViewTree, FocusBelongsToTheWindowAndLeavesWithTheView) {
     EXPECT_FALSE(loose->isFirstResponder());
 }
 
-TEST(ViewGeometry, PointsConvertThroughFramesTransformsBoundsOriginsAndShifts) {
+TEST(ViewGeometry, points_convert_through_frames_transforms_bounds_origins_and_shifts) {
     auto root = makeView({0, 0, 400, 800});
     auto outer = makeView({100, 200, 200, 200});
     auto inner = makeView({10, 20, 50, 50});
@@ -132,7 +132,7 @@ TEST(ViewGeometry, PointsConvertThroughFramesTransformsBoundsOriginsAndShifts) {
     EXPECT_NEAR(back.y, 0, 1e-9);
 }
 
-TEST(ViewLayout, LayoutRunsOnSizeChangesAndOnRequestOnly) {
+TEST(ViewLayout, layout_runs_on_size_changes_and_on_request_only) {
     std::vector<std::string> journal;
     auto parent = std::make_shared<RecordingView>("parent", journal, gfx::Rect{0, 0, 100, 100});
     auto child = std::make_shared<RecordingView>("child", journal, gfx::Rect{0, 0, 10, 10});
@@ -157,7 +157,7 @@ TEST(ViewLayout, LayoutRunsOnSizeChangesAndOnRequestOnly) {
     EXPECT_EQ(journal, (std::vector<std::string>{"parent:layout"}));
 }
 
-TEST(ViewLayout, RunawayLayoutStopsAfterBoundedPassesWithAWarning) {
+TEST(ViewLayout, runaway_layout_stops_after_bounded_passes_with_a_warning) {
     struct Restless : View {
         using View::View;
         int runs = 0;

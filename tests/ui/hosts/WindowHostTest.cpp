@@ -14,7 +14,7 @@ bool haveProgram(const char* name) {
     return std::system(probe.c_str()) == 0;
 }
 
-TEST(WindowHost, OpensDrawsAndClosesOnARealDisplay) {
+TEST(WindowHost, opens_draws_and_closes_on_a_real_display) {
     std::string command;
     if (haveProgram("xvfb-run"))
         command = std::string("xvfb-run -a ") + MORVANE_WINDOW_SMOKE;
@@ -48,7 +48,7 @@ double secondsSince(std::chrono::steady_clock::time_point start) {
     return std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
 }
 
-TEST(WindowHost, DrawsAFrameOnlyWhenSomethingChanged) {
+TEST(WindowHost, draws_a_frame_only_when_something_changed) {
     const char* previous = std::getenv("SDL_VIDEODRIVER");
     std::string saved = previous ? previous : "";
     setenv("SDL_VIDEODRIVER", "dummy", 1);
@@ -97,7 +97,7 @@ TEST(WindowHost, DrawsAFrameOnlyWhenSomethingChanged) {
 
 // Without any display SDL falls back to drawing off screen by itself; that
 // is no window anyone can use, and the host must say so rather than run.
-TEST(WindowHost, NoDisplayIsNoWindow) {
+TEST(WindowHost, no_display_is_no_window) {
     for (const char* name : {"DISPLAY", "WAYLAND_DISPLAY", "SDL_VIDEODRIVER"})
         unsetenv(name); // each test runs in a process of its own
     ui::WindowHost host({.title = "test", .size = {100, 100}, .scale = 1});

@@ -58,7 +58,7 @@ struct FieldFixture : ::testing::Test {
     }
 };
 
-TEST_F(FieldFixture, DelegateAnswersComeInOrderForBeginTypingReturnAndEnd) {
+TEST_F(FieldFixture, delegate_answers_come_in_order_for_begin_typing_return_and_end) {
     host.tap({100, 120});
     ASSERT_TRUE(field->isFirstResponder());
     host.typeText("Hé");
@@ -86,7 +86,7 @@ TEST_F(FieldFixture, DelegateAnswersComeInOrderForBeginTypingReturnAndEnd) {
     EXPECT_EQ(journal.calls, (std::vector<std::string>{"didEnd"}));
 }
 
-TEST_F(FieldFixture, RefusedChangesLeaveTheTextAndPasteIsOneReplacement) {
+TEST_F(FieldFixture, refused_changes_leave_the_text_and_paste_is_one_replacement) {
     field->setText("Room");
     ASSERT_TRUE(field->becomeFirstResponder());
     journal.calls.clear();
@@ -113,7 +113,7 @@ TEST_F(FieldFixture, RefusedChangesLeaveTheTextAndPasteIsOneReplacement) {
     EXPECT_EQ(field->selectedRange(), (TextRange{6, 0}));
 }
 
-TEST_F(FieldFixture, RangesCountUtf16UnitsAndBadRangesAreRefused) {
+TEST_F(FieldFixture, ranges_count_utf16_units_and_bad_ranges_are_refused) {
     field->setText("a😀b");
     ASSERT_TRUE(field->becomeFirstResponder());
     EXPECT_EQ(field->selectedRange(), (TextRange{4, 0})) << "the emoji counts two";
@@ -137,7 +137,7 @@ TEST_F(FieldFixture, RangesCountUtf16UnitsAndBadRangesAreRefused) {
 
 // Catches deleting half a surrogate pair, deleting past either end of the
 // text, and a selection that is not removed as one.
-TEST(TextEditing, DeletionTakesTheSelectionOrOneWholeCodePoint) {
+TEST(TextEditing, deletion_takes_the_selection_or_one_whole_code_point) {
     const std::string text = "a😀b";
     EXPECT_EQ(detail::deletionRange(text, {1, 0}, Key::Delete), (TextRange{1, 2}));
     EXPECT_EQ(detail::deletionRange(text, {3, 0}, Key::Backspace), (TextRange{1, 2}));
@@ -147,7 +147,7 @@ TEST(TextEditing, DeletionTakesTheSelectionOrOneWholeCodePoint) {
     EXPECT_EQ(detail::deletionRange(text, {1, 0}, Key::Left), std::nullopt);
 }
 
-TEST_F(FieldFixture, AccessoryViewShowsWhileEditingAndSecureEntryHidesTheText) {
+TEST_F(FieldFixture, accessory_view_shows_while_editing_and_secure_entry_hides_the_text) {
     auto bar = std::make_shared<View>(gfx::Rect{0, 0, 390, 44});
     field->setInputAccessoryView(bar);
     EXPECT_EQ(bar->superview(), nullptr);
@@ -173,7 +173,7 @@ struct NoteJournal : TextViewDelegate {
     void textViewDidChange(TextView& view) override { calls.push_back("didChange " + view.text()); }
 };
 
-TEST(TextView, TypingReturnAndRefusalsGoThroughTheDelegate) {
+TEST(TextView, typing_return_and_refusals_go_through_the_delegate) {
     HeadlessHost host;
     NoteJournal journal;
     auto note = std::make_shared<TextView>(gfx::Rect{20, 200, 300, 100});
