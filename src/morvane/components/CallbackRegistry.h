@@ -38,6 +38,10 @@ template <class Callback> class CallbackRegistry {
             if (entry.first == name) return &entry.second;
         return nullptr;
     }
+    // Takes the entry of that name out (nothing when there is none).
+    void remove(std::string_view name) {
+        std::erase_if(entries_, [name](const Entry& entry) { return entry.first == name; });
+    }
     void clear() { entries_.clear(); }
 
     std::size_t size() const { return entries_.size(); }
