@@ -4,6 +4,7 @@
 
 #include <morvane/media/ResourcePictures.h>
 #include <morvane/media/ZBImageModel.h>
+#include <morvane/sys/Fetch.h>
 #include <morvane/sys/Files.h>
 #include <morvane/sys/Log.h>
 #include <morvane/sys/Queue.h>
@@ -13,6 +14,8 @@
 #include <gtest/gtest.h>
 
 #include <atomic>
+#include <chrono>
+#include <functional>
 #include <thread>
 
 using namespace morvane;
@@ -198,4 +201,100 @@ TEST_F(LoaderTest, ConcurrentRequestsForOneAddressShareOneFetch) {
     EXPECT_EQ(server.requestCount("/shared.png"), 1);
     for (const auto& [image, flag] : outcome.seen)
         EXPECT_EQ(image.size(), gfx::Size(16, 16));
+}
+
+// Two addresses that the cache files under one name (one path, two queries)
+// are two pictures: requested at once, each caller gets its own.
+TEST_F(LoaderTest, AddressesSharingACacheFileAreDownloadedApart) {
+    server.delay("/dish.png?v=1", 0.3, {200, pngBytes(4, 4, gfx::Color::redColor()), {}});
+    server.delay("/dish.png?v=2", 0.3, {200, pngBytes(4, 4, gfx::Color::blueColor()), {}});
+    ASSERT_EQ(path(server.address("/dish.png?v=1")), path(server.address("/dish.png?v=2")));
+    Outcome one, two;
+    ZBImageModel().taskWithName(server.address("/dish.png?v=1"), std::nullopt, one.callback());
+    ZBImageModel().taskWithName(server.address("/dish.png?v=2"), std::nullopt, two.callback());
+    sys::Queue::waitIdle();
+    ASSERT_EQ(one.count(), 1u);
+    ASSERT_EQ(two.count(), 1u);
+    EXPECT_TRUE(one.seen[0].first.pixelColor(1, 1)->isClose(gfx::Color::redColor(), 0.01));
+    EXPECT_TRUE(two.seen[0].first.pixelColor(1, 1)->isClose(gfx::Color::blueColor(), 0.01));
+    EXPECT_EQ(server.requestCount("/dish.png?v=1"), 1);
+    EXPECT_EQ(server.requestCount("/dish.png?v=2"), 1);
+}
+
+namespace {
+
+bool waitUntil(const std::function<bool()>& condition, double seconds) {
+    const auto deadline = std::chrono::steady_clock::now() + std::chrono::duration<double>(seconds);
+    while (!condition()) {
+        if (std::chrono::steady_clock::now() > deadline) return false;
+        std::this_thread::sleep_for(std::chrono::milliseconds(10));
+    }
+    return true;
+}
+
+double secondsSince(std::chrono::steady_clock::time_point start) {
+    return std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
+}
+
+} // namespace
+
+// Twenty pictures from a server that holds every answer for seconds: the
+// other background work of the app still runs at once, and only a few
+// transfers are open; the rest wait their turn.
+TEST_F(LoaderTest, StalledPictureServersDoNotStarveTheGlobalQueues) {
+    constexpr int kPictures = 20;
+    for (int i = 0; i < kPictures; ++i)
+        server.delay("/slow" + std::to_string(i) + ".png", 4,
+                     {200, pngBytes(2, 2, gfx::Color::redColor()), {}});
+    Outcome outcome;
+    for (int i = 0; i < kPictures; ++i)
+        ZBImageModel().taskWithName(server.address("/slow" + std::to_string(i) + ".png"), std::nullopt,
+                                    outcome.callback());
+    ASSERT_TRUE(waitUntil([&] { return server.totalRequests() >= sys::FetchQueue::kMaxTransfers; }, 3));
+    std::this_thread::sleep_for(std::chrono::milliseconds(300)); // room for more transfers to start
+
+    std::atomic<bool> translated{false};
+    sys::Queue::global().async([&translated] { translated = true; });
+    EXPECT_TRUE(waitUntil([&] { return translated.load(); }, 2)) << "a background block waited on pictures";
+    EXPECT_EQ(server.totalRequests(), sys::FetchQueue::kMaxTransfers);
+    server.stop(); // the waiting transfers now fail at once
+    sys::Queue::waitIdle();
+    EXPECT_EQ(outcome.count(), 0u);
+}
+
+// A download whose every requester is gone is given up, running or waiting:
+// the waiting ones never reach the server. A picture that someone still wants
+// arrives, to that requester only.
+TEST_F(LoaderTest, DownloadsNobodyWaitsForAreGivenUp) {
+    server.delay("/kept.png", 0.5, {200, pngBytes(2, 2, gfx::Color::redColor()), {}});
+    constexpr int kGone = 6;
+    for (int i = 0; i < kGone; ++i)
+        server.delay("/gone" + std::to_string(i) + ".png", 6,
+                     {200, pngBytes(2, 2, gfx::Color::redColor()), {}});
+    auto request = [&](const std::string& where, const std::shared_ptr<int>& requester, Outcome& outcome) {
+        ZBImageModel loader;
+        loader.setRequester(requester);
+        loader.taskWithName(server.address(where), std::nullopt, outcome.callback());
+    };
+    auto keeper = std::make_shared<int>(0), leaver = std::make_shared<int>(0);
+    Outcome kept, left, gone;
+    request("/kept.png", keeper, kept);
+    request("/kept.png", leaver, left);
+    std::vector<std::shared_ptr<int>> requesters;
+    for (int i = 0; i < kGone; ++i) {
+        requesters.push_back(std::make_shared<int>(i));
+        request("/gone" + std::to_string(i) + ".png", requesters.back(), gone);
+    }
+    ASSERT_TRUE(waitUntil([&] { return server.totalRequests() >= sys::FetchQueue::kMaxTransfers; }, 3));
+    requesters.clear();
+    leaver.reset();
+
+    const auto start = std::chrono::steady_clock::now();
+    sys::Queue::waitIdle();
+    EXPECT_LT(secondsSince(start), 4) << "the stalled transfers were waited out";
+    EXPECT_EQ(server.totalRequests(), sys::FetchQueue::kMaxTransfers);
+    EXPECT_EQ(server.requestCount("/kept.png"), 1);
+    EXPECT_EQ(kept.count(), 1u);
+    EXPECT_EQ(left.count(), 0u);
+    EXPECT_EQ(gone.count(), 0u);
 }
