@@ -109,26 +109,47 @@ TEST_F(LoaderTest, StampsDecideBetweenTheCachedFileAndADownload) {
         << "the new download replaced the file";
 }
 
-// Pictures once decoded stay in memory by address and stamp: a second request
-// is served without reading the file (here: after the file is gone).
-TEST_F(LoaderTest, MemoryCacheServesRepeatedRequests) {
-    server.serve("/a.png", pngBytes(5, 5, gfx::Color::blueColor()), "image/png");
-    const std::string address = server.address("/a.png");
-    Outcome outcome;
-    ZBImageModel().taskWithName(address, std::nullopt, outcome.callback());
-    sys::Queue::waitIdle();
-    ASSERT_EQ(outcome.count(), 1u);
+// The memory cache saves decoding a file again, and answers exactly as the
+// files do: once a newer version has replaced the file, a request with no
+// stamp or with the older one gets the new picture; a file the application
+// deleted is downloaded again, not served from memory.
+TEST_F(LoaderTest, MemoryCacheAnswersAsTheFilesDo) {
+    useManualClock(kJan2024);
+    const gfx::Color green = gfx::Color::greenColor(), red = gfx::Color::redColor();
+    server.serve("/menu/soup.png", pngBytes(4, 4, green), "image/png");
+    const std::string address = server.address("/menu/soup.png");
+    const std::optional<std::string_view> noStamp, oldStamp("2023.12.31T00:00:00");
+    auto shown = [&](std::optional<std::string_view> stamp) {
+        Outcome outcome;
+        ZBImageModel().taskWithName(address, stamp, outcome.callback());
+        sys::Queue::waitIdle();
+        return outcome.count() == 1 ? outcome.seen[0].first : gfx::Image();
+    };
+    auto colourOf = [](const gfx::Image& image) { return image.pixelColor(1, 1).value_or(gfx::Color()); };
+
+    const gfx::Image first = shown(noStamp);
+    EXPECT_TRUE(colourOf(first).isClose(green, 0.01));
+    EXPECT_TRUE(shown(oldStamp).isSameAs(first)) << "decoded once, served from memory";
+    EXPECT_TRUE(shown(noStamp).isSameAs(first));
+
+    advance(10);
+    server.serve("/menu/soup.png", pngBytes(4, 4, red), "image/png");
+    EXPECT_TRUE(colourOf(shown("2024.01.01T00:00:05")).isClose(red, 0.01)) << "a newer version is fetched";
+    for (auto stamp : {noStamp, oldStamp})
+        EXPECT_TRUE(colourOf(shown(stamp)).isClose(red, 0.01)) << stamp.value_or("no stamp");
+    EXPECT_EQ(server.requestCount("/menu/soup.png"), 2);
+
     fs::remove(path(address));
-    ZBImageModel().taskWithName(address, std::nullopt, outcome.callback());
-    ASSERT_EQ(outcome.count(), 2u);
-    EXPECT_TRUE(outcome.seen[1].first.isSameAs(outcome.seen[0].first));
+    Outcome afterDelete;
+    ZBImageModel().taskWithName(address, noStamp, afterDelete.callback());
+    EXPECT_EQ(afterDelete.count(), 0u) << "no file: a download, never the picture in memory";
+    sys::Queue::waitIdle();
+    EXPECT_EQ(afterDelete.count(), 1u);
+    EXPECT_EQ(server.requestCount("/menu/soup.png"), 3);
 
     ZBImageModel::setMemoryCacheLimit(0);
-    ZBImageModel().taskWithName(address, std::nullopt, outcome.callback());
-    EXPECT_EQ(outcome.count(), 2u) << "without the memory cache the file is missing: a download";
-    sys::Queue::waitIdle();
-    EXPECT_EQ(outcome.count(), 3u);
-    EXPECT_EQ(server.requestCount("/a.png"), 2);
+    const gfx::Image decoded = shown(noStamp);
+    EXPECT_FALSE(shown(noStamp).isSameAs(decoded)) << "without the memory cache every hit decodes";
     ZBImageModel::setMemoryCacheLimit(64u << 20);
 }
 

@@ -2,6 +2,7 @@
 #include <morvane/media/ZBImageCut.h>
 #include <morvane/media/detail/CachePaths.h>
 #include <morvane/media/detail/Download.h>
+#include <morvane/media/detail/MemoryCache.h>
 #include <morvane/sys/App.h>
 #include <morvane/sys/Clock.h>
 #include <morvane/sys/Files.h>
@@ -184,11 +185,30 @@ std::optional<std::string> ZBImageCut::imageRead(std::string_view dir, std::stri
                                                  std::string_view) const {
     const std::string path = currentPath2(dir, fname);
     if (path.find('\0') != std::string::npos || !detail::insideCacheFolders(path)) return std::nullopt;
-    if (changeDate_) {
-        if (auto created = fileDateEx(path); created && dateCompare(*created, false))
-            changeImageDate(path, now(-4));
-    }
+    ageOnRead(path);
     return sys::Files::read(path);
+}
+
+void ZBImageCut::ageOnRead(const std::string& path) const {
+    if (!changeDate_) return;
+    if (auto created = fileDateEx(path); created && dateCompare(*created, false))
+        changeImageDate(path, now(-4));
+}
+
+gfx::Image ZBImageCut::readPicture(std::string_view dir, std::string_view fname) const {
+    const std::string path = currentPath2(dir, fname);
+    if (path.find('\0') != std::string::npos || !detail::insideCacheFolders(path)) return {};
+    ageOnRead(path);
+    auto& memory = detail::MemoryCache::shared();
+    if (auto version = sys::Files::version(path)) {
+        if (gfx::Image kept = memory.find(path, *version); !kept.isNull()) return kept;
+    }
+    sys::Files::Version version;
+    auto bytes = sys::Files::read(path, version);
+    if (!bytes) return {};
+    gfx::Image image = detail::decodePicture(*bytes);
+    memory.insert(path, version, image);
+    return image;
 }
 
 bool ZBImageCut::saveImage(std::string_view bytes, std::string_view fname, std::string_view dir,
@@ -229,6 +249,11 @@ bool ZBImageCut::storeImage(std::string_view bytes, const gfx::Image& image, std
         if (auto limit = dateCompare(cut(stamp), true)) date = *limit;
     }
     changeImageDate(path, date);
+    // Another download may have put its own file here meanwhile: only what
+    // reads back as these very bytes is remembered as this file's picture.
+    sys::Files::Version version;
+    if (auto written = sys::Files::read(path, version); written && *written == bytes)
+        detail::MemoryCache::shared().insert(path, version, image);
     return true;
 }
 

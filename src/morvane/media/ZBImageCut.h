@@ -88,13 +88,18 @@ class ZBImageCut {
     // date of a file created over four weeks ago to four weeks ago. The stamp is not used.
     std::optional<std::string> imageRead(std::string_view dir, std::string_view fname,
                                          std::string_view stamp) const;
+    // The picture in the file (scale 1), dated on the way as imageRead does;
+    // a null image when it is missing or no picture. Each version of a file
+    // is decoded once and kept in the memory cache in front of the files.
+    gfx::Image readPicture(std::string_view dir, std::string_view fname) const;
     // Writes downloaded bytes atomically, dates the file and calls back with
     // the picture (scale 1) and true. Bytes that are not a picture, a path
     // outside the cache folders or a failed write end it: nothing written,
     // no callback, false.
     bool saveImage(std::string_view bytes, std::string_view fname, std::string_view dir,
                    std::string_view stamp, const Callback& local) const;
-    // The same for bytes already decoded by the caller.
+    // The same for bytes already decoded by the caller, which go on to the
+    // memory cache as the copy of the file just written.
     bool storeImage(std::string_view bytes, const gfx::Image& image, std::string_view fname,
                     std::string_view dir, std::string_view stamp) const;
 
@@ -110,6 +115,10 @@ class ZBImageCut {
     static gfx::Image maskedImage(const gfx::Image& image, const gfx::Color& color);
 
   private:
+    // The age rule of a read: a file created over four weeks ago (by its day)
+    // gets four weeks ago as its modification date.
+    void ageOnRead(const std::string& path) const;
+
     std::string address_;
     std::string dirName_;
     std::string fileName_;

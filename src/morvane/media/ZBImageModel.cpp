@@ -19,8 +19,7 @@ namespace {
 std::optional<gfx::Image> freshFromFile(const ZBImageCut& cut, const std::string& stamp) {
     const auto created = ZBImageCut::fileDate(cut.dirName(), cut.fileName());
     if (!created || *created < stamp) return std::nullopt;
-    auto bytes = cut.imageRead(cut.dirName(), cut.fileName(), stamp);
-    gfx::Image image = bytes ? detail::decodePicture(*bytes) : gfx::Image();
+    gfx::Image image = cut.readPicture(cut.dirName(), cut.fileName());
     if (image.isNull()) {
         // A damaged file would be served broken until the sweep; dropping it
         // lets the next request download the picture again.
@@ -39,9 +38,7 @@ void download(const ZBImageCut& cut, const std::string& address, const std::stri
             sys::Log::platform("Picture not cached (" + reason + "): " + address);
             return true;
         }
-        if (!cut.storeImage(bytes, image, cut.fileName(), cut.dirName(), stamp)) return false;
-        detail::MemoryCache::shared().insert(address, stamp, image);
-        return true;
+        return cut.storeImage(bytes, image, cut.fileName(), cut.dirName(), stamp);
     };
     detail::SharedDownload::Requester waiting;
     waiting.owner = std::move(requester);
@@ -99,10 +96,6 @@ void ZBImageModel::setData(std::string_view address, std::string_view date, Call
     if (imageFM_.address() != address || imageFM_.fileName().empty()) imageFM_.setFileName(address);
     const std::string stamp = ZBImageCut::cut(date);
 
-    if (gfx::Image kept = detail::MemoryCache::shared().find(address, stamp); !kept.isNull()) {
-        if (local) local(kept, true);
-        return;
-    }
     if (imageFM_.isCacheable()) {
         const auto created = ZBImageCut::fileDate(imageFM_.dirName(), imageFM_.fileName());
         if (created) {
@@ -111,7 +104,6 @@ void ZBImageModel::setData(std::string_view address, std::string_view date, Call
                 return;
             }
             if (auto image = freshFromFile(imageFM_, stamp)) {
-                if (!image->isNull()) detail::MemoryCache::shared().insert(address, stamp, *image);
                 if (local) local(*image, true);
                 return;
             }

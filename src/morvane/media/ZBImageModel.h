@@ -17,8 +17,9 @@
 // download calls nothing back. The background work keeps copies of what it
 // needs, so the loader may be released as soon as the call returns.
 //
-// In front of the files sits a memory cache of decoded pictures keyed by
-// address and stamp, and concurrent requests for one address and stamp share
+// In front of the files sits a memory cache of decoded pictures: the copy of
+// one version of one file, so it answers exactly as the files do, and
+// concurrent requests for one address and stamp share
 // a single transfer and file write (each still gets its own callback).
 // Transfers run on the fetch queue, a few at a time; a request may name the
 // object its picture is for (setRequester), and a transfer whose requesters
