@@ -6,7 +6,8 @@
 // - a file's creation date is the moment of the download (freshness, age);
 // - its modification date holds the picture's own date stamp, never older
 //   than four weeks back;
-// - cleanup() removes files created more than eight weeks ago.
+// - cleanup() removes files created more than eight weeks ago (in the
+//   background, at most once a launch and then once an hour).
 // Date stamps are texts "yyyy.MM.dd'T'HH:mm:ss" in the current time zone, cut
 // to 19 characters and compared as texts; "now" is the kit's clock.
 //
@@ -108,7 +109,9 @@ class ZBImageCut {
     // Removes the files below the path, inside the cache folders only, that
     // were created more than eight weeks ago, logging each.
     static void traverseDirectoryAtPath(const std::string& path);
-    // The sweep of the whole cache, when changeDate is on.
+    // The sweep of the whole cache, when changeDate is on: it starts on a
+    // background queue and returns at once, and runs at most once a launch
+    // and then once an hour however often it is asked for.
     void cleanup() const;
 
     // The picture tinted with the colour (ImageColor::color).
