@@ -96,9 +96,10 @@ void finish(const std::string& key, sys::FetchResult result) {
     std::vector<SharedDownload::Requester> requesters;
     {
         std::lock_guard lock(state.mutex);
-        auto found = state.byKey.find(key);
-        requesters = std::move(found->second.requesters);
-        state.byKey.erase(found);
+        if (auto found = state.byKey.find(key); found != state.byKey.end()) {
+            requesters = std::move(found->second.requesters);
+            state.byKey.erase(found);
+        }
     }
     if (image.isNull()) return;
     bool first = true;
