@@ -152,7 +152,7 @@ int main() {
                 sharedDelivered.load(), sharedMs, sharedFetches);
 
     // 4. A grid of 100 picture views shown from the warm cache (the pictures
-    // of part 1) on the headless host. Each view asks for the cache sweep
+    // downloaded first) on the headless host. Each view asks for the cache sweep
     // after its picture; the sweep times itself whenever it runs on the main
     // thread, which it must not during the first second (or ever).
     constexpr int kTiles = 100;
