@@ -23,17 +23,45 @@ using morvane::gfx::PixelFormat;
 #endif
 namespace {
 thread_local std::size_t* tLargestAllocation = nullptr;
-}
 
-void* operator new(std::size_t size) {
+void* counted(std::size_t size) noexcept {
     if (tLargestAllocation) *tLargestAllocation = std::max(*tLargestAllocation, size);
-    if (void* memory = std::malloc(size ? size : 1)) return memory;
+    return std::malloc(size ? size : 1);
+}
+} // namespace
+
+// Every plain form is replaced, so all of this program's memory pairs malloc
+// with free, also under a sanitizer that brings its own new and delete.
+void* operator new(std::size_t size) {
+    if (void* memory = counted(size)) return memory;
     throw std::bad_alloc();
+}
+void* operator new[](std::size_t size) {
+    if (void* memory = counted(size)) return memory;
+    throw std::bad_alloc();
+}
+void* operator new(std::size_t size, const std::nothrow_t&) noexcept {
+    return counted(size);
+}
+void* operator new[](std::size_t size, const std::nothrow_t&) noexcept {
+    return counted(size);
 }
 void operator delete(void* memory) noexcept {
     std::free(memory);
 }
+void operator delete[](void* memory) noexcept {
+    std::free(memory);
+}
 void operator delete(void* memory, std::size_t) noexcept {
+    std::free(memory);
+}
+void operator delete[](void* memory, std::size_t) noexcept {
+    std::free(memory);
+}
+void operator delete(void* memory, const std::nothrow_t&) noexcept {
+    std::free(memory);
+}
+void operator delete[](void* memory, const std::nothrow_t&) noexcept {
     std::free(memory);
 }
 
