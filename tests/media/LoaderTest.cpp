@@ -4,6 +4,7 @@
 
 #include <morvane/media/ResourcePictures.h>
 #include <morvane/media/ZBImageModel.h>
+#include <morvane/sys/Fetch.h>
 #include <morvane/sys/Files.h>
 #include <morvane/sys/Log.h>
 #include <morvane/sys/Queue.h>
@@ -13,6 +14,8 @@
 #include <gtest/gtest.h>
 
 #include <atomic>
+#include <chrono>
+#include <functional>
 #include <thread>
 
 using namespace morvane;
@@ -106,26 +109,47 @@ TEST_F(LoaderTest, StampsDecideBetweenTheCachedFileAndADownload) {
         << "the new download replaced the file";
 }
 
-// Pictures once decoded stay in memory by address and stamp: a second request
-// is served without reading the file (here: after the file is gone).
-TEST_F(LoaderTest, MemoryCacheServesRepeatedRequests) {
-    server.serve("/a.png", pngBytes(5, 5, gfx::Color::blueColor()), "image/png");
-    const std::string address = server.address("/a.png");
-    Outcome outcome;
-    ZBImageModel().taskWithName(address, std::nullopt, outcome.callback());
-    sys::Queue::waitIdle();
-    ASSERT_EQ(outcome.count(), 1u);
+// The memory cache saves decoding a file again, and answers exactly as the
+// files do: once a newer version has replaced the file, a request with no
+// stamp or with the older one gets the new picture; a file the application
+// deleted is downloaded again, not served from memory.
+TEST_F(LoaderTest, MemoryCacheAnswersAsTheFilesDo) {
+    useManualClock(kJan2024);
+    const gfx::Color green = gfx::Color::greenColor(), red = gfx::Color::redColor();
+    server.serve("/menu/soup.png", pngBytes(4, 4, green), "image/png");
+    const std::string address = server.address("/menu/soup.png");
+    const std::optional<std::string_view> noStamp, oldStamp("2023.12.31T00:00:00");
+    auto shown = [&](std::optional<std::string_view> stamp) {
+        Outcome outcome;
+        ZBImageModel().taskWithName(address, stamp, outcome.callback());
+        sys::Queue::waitIdle();
+        return outcome.count() == 1 ? outcome.seen[0].first : gfx::Image();
+    };
+    auto colourOf = [](const gfx::Image& image) { return image.pixelColor(1, 1).value_or(gfx::Color()); };
+
+    const gfx::Image first = shown(noStamp);
+    EXPECT_TRUE(colourOf(first).isClose(green, 0.01));
+    EXPECT_TRUE(shown(oldStamp).isSameAs(first)) << "decoded once, served from memory";
+    EXPECT_TRUE(shown(noStamp).isSameAs(first));
+
+    advance(10);
+    server.serve("/menu/soup.png", pngBytes(4, 4, red), "image/png");
+    EXPECT_TRUE(colourOf(shown("2024.01.01T00:00:05")).isClose(red, 0.01)) << "a newer version is fetched";
+    for (auto stamp : {noStamp, oldStamp})
+        EXPECT_TRUE(colourOf(shown(stamp)).isClose(red, 0.01)) << stamp.value_or("no stamp");
+    EXPECT_EQ(server.requestCount("/menu/soup.png"), 2);
+
     fs::remove(path(address));
-    ZBImageModel().taskWithName(address, std::nullopt, outcome.callback());
-    ASSERT_EQ(outcome.count(), 2u);
-    EXPECT_TRUE(outcome.seen[1].first.isSameAs(outcome.seen[0].first));
+    Outcome afterDelete;
+    ZBImageModel().taskWithName(address, noStamp, afterDelete.callback());
+    EXPECT_EQ(afterDelete.count(), 0u) << "no file: a download, never the picture in memory";
+    sys::Queue::waitIdle();
+    EXPECT_EQ(afterDelete.count(), 1u);
+    EXPECT_EQ(server.requestCount("/menu/soup.png"), 3);
 
     ZBImageModel::setMemoryCacheLimit(0);
-    ZBImageModel().taskWithName(address, std::nullopt, outcome.callback());
-    EXPECT_EQ(outcome.count(), 2u) << "without the memory cache the file is missing: a download";
-    sys::Queue::waitIdle();
-    EXPECT_EQ(outcome.count(), 3u);
-    EXPECT_EQ(server.requestCount("/a.png"), 2);
+    const gfx::Image decoded = shown(noStamp);
+    EXPECT_FALSE(shown(noStamp).isSameAs(decoded)) << "without the memory cache every hit decodes";
     ZBImageModel::setMemoryCacheLimit(64u << 20);
 }
 
@@ -198,4 +222,100 @@ TEST_F(LoaderTest, ConcurrentRequestsForOneAddressShareOneFetch) {
     EXPECT_EQ(server.requestCount("/shared.png"), 1);
     for (const auto& [image, flag] : outcome.seen)
         EXPECT_EQ(image.size(), gfx::Size(16, 16));
+}
+
+// Two addresses that the cache files under one name (one path, two queries)
+// are two pictures: requested at once, each caller gets its own.
+TEST_F(LoaderTest, AddressesSharingACacheFileAreDownloadedApart) {
+    server.delay("/dish.png?v=1", 0.3, {200, pngBytes(4, 4, gfx::Color::redColor()), {}});
+    server.delay("/dish.png?v=2", 0.3, {200, pngBytes(4, 4, gfx::Color::blueColor()), {}});
+    ASSERT_EQ(path(server.address("/dish.png?v=1")), path(server.address("/dish.png?v=2")));
+    Outcome one, two;
+    ZBImageModel().taskWithName(server.address("/dish.png?v=1"), std::nullopt, one.callback());
+    ZBImageModel().taskWithName(server.address("/dish.png?v=2"), std::nullopt, two.callback());
+    sys::Queue::waitIdle();
+    ASSERT_EQ(one.count(), 1u);
+    ASSERT_EQ(two.count(), 1u);
+    EXPECT_TRUE(one.seen[0].first.pixelColor(1, 1)->isClose(gfx::Color::redColor(), 0.01));
+    EXPECT_TRUE(two.seen[0].first.pixelColor(1, 1)->isClose(gfx::Color::blueColor(), 0.01));
+    EXPECT_EQ(server.requestCount("/dish.png?v=1"), 1);
+    EXPECT_EQ(server.requestCount("/dish.png?v=2"), 1);
+}
+
+namespace {
+
+bool waitUntil(const std::function<bool()>& condition, double seconds) {
+    const auto deadline = std::chrono::steady_clock::now() + std::chrono::duration<double>(seconds);
+    while (!condition()) {
+        if (std::chrono::steady_clock::now() > deadline) return false;
+        std::this_thread::sleep_for(std::chrono::milliseconds(10));
+    }
+    return true;
+}
+
+double secondsSince(std::chrono::steady_clock::time_point start) {
+    return std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
+}
+
+} // namespace
+
+// Twenty pictures from a server that holds every answer for seconds: the
+// other background work of the app still runs at once, and only a few
+// transfers are open; the rest wait their turn.
+TEST_F(LoaderTest, StalledPictureServersDoNotStarveTheGlobalQueues) {
+    constexpr int kPictures = 20;
+    for (int i = 0; i < kPictures; ++i)
+        server.delay("/slow" + std::to_string(i) + ".png", 4,
+                     {200, pngBytes(2, 2, gfx::Color::redColor()), {}});
+    Outcome outcome;
+    for (int i = 0; i < kPictures; ++i)
+        ZBImageModel().taskWithName(server.address("/slow" + std::to_string(i) + ".png"), std::nullopt,
+                                    outcome.callback());
+    ASSERT_TRUE(waitUntil([&] { return server.totalRequests() >= sys::FetchQueue::kMaxTransfers; }, 3));
+    std::this_thread::sleep_for(std::chrono::milliseconds(300)); // room for more transfers to start
+
+    std::atomic<bool> translated{false};
+    sys::Queue::global().async([&translated] { translated = true; });
+    EXPECT_TRUE(waitUntil([&] { return translated.load(); }, 2)) << "a background block waited on pictures";
+    EXPECT_EQ(server.totalRequests(), sys::FetchQueue::kMaxTransfers);
+    server.stop(); // the waiting transfers now fail at once
+    sys::Queue::waitIdle();
+    EXPECT_EQ(outcome.count(), 0u);
+}
+
+// A download whose every requester is gone is given up, running or waiting:
+// the waiting ones never reach the server. A picture that someone still wants
+// arrives, to that requester only.
+TEST_F(LoaderTest, DownloadsNobodyWaitsForAreGivenUp) {
+    server.delay("/kept.png", 0.5, {200, pngBytes(2, 2, gfx::Color::redColor()), {}});
+    constexpr int kGone = 6;
+    for (int i = 0; i < kGone; ++i)
+        server.delay("/gone" + std::to_string(i) + ".png", 6,
+                     {200, pngBytes(2, 2, gfx::Color::redColor()), {}});
+    auto request = [&](const std::string& where, const std::shared_ptr<int>& requester, Outcome& outcome) {
+        ZBImageModel loader;
+        loader.setRequester(requester);
+        loader.taskWithName(server.address(where), std::nullopt, outcome.callback());
+    };
+    auto keeper = std::make_shared<int>(0), leaver = std::make_shared<int>(0);
+    Outcome kept, left, gone;
+    request("/kept.png", keeper, kept);
+    request("/kept.png", leaver, left);
+    std::vector<std::shared_ptr<int>> requesters;
+    for (int i = 0; i < kGone; ++i) {
+        requesters.push_back(std::make_shared<int>(i));
+        request("/gone" + std::to_string(i) + ".png", requesters.back(), gone);
+    }
+    ASSERT_TRUE(waitUntil([&] { return server.totalRequests() >= sys::FetchQueue::kMaxTransfers; }, 3));
+    requesters.clear();
+    leaver.reset();
+
+    const auto start = std::chrono::steady_clock::now();
+    sys::Queue::waitIdle();
+    EXPECT_LT(secondsSince(start), 4) << "the stalled transfers were waited out";
+    EXPECT_EQ(server.totalRequests(), sys::FetchQueue::kMaxTransfers);
+    EXPECT_EQ(server.requestCount("/kept.png"), 1);
+    EXPECT_EQ(kept.count(), 1u);
+    EXPECT_EQ(left.count(), 0u);
+    EXPECT_EQ(gone.count(), 0u);
 }

@@ -1,9 +1,11 @@
 #include "MediaFixture.h"
 
 #include <morvane/media/ZBImageCut.h>
+#include <morvane/media/detail/CacheSweep.h>
 #include <morvane/sys/Clock.h>
 #include <morvane/sys/Files.h>
 #include <morvane/sys/Log.h>
+#include <morvane/sys/Queue.h>
 #include <morvane/util/Dates.h>
 
 #include <gtest/gtest.h>
@@ -112,6 +114,7 @@ TEST_F(ZBImageCutTest, SavesDateFilesByTheFourWeekRule) {
     EXPECT_EQ(modificationStamp(pathOf(cut)), "2020.05.05T05:05:05");
     advance(9 * kWeek);
     cut.cleanup();
+    sys::Queue::waitIdle();
     EXPECT_TRUE(fs::exists(pathOf(cut))) << "and the sweep is off";
 }
 
@@ -135,7 +138,8 @@ TEST_F(ZBImageCutTest, ReadingAnOldFileMovesItsStampForward) {
 }
 
 // The sweep removes files created more than eight weeks ago, to the second,
-// logging each, and touches nothing outside the cache folders.
+// logging each, and touches nothing outside the cache folders, even pointed
+// at the documents folder itself.
 TEST_F(ZBImageCutTest, SweepDeletesOnlyOldFilesInsideTheCacheFolders) {
     useManualClock(kJan2024);
     ZBImageCut cut;
@@ -150,12 +154,12 @@ TEST_F(ZBImageCutTest, SweepDeletesOnlyOldFilesInsideTheCacheFolders) {
     advance(8 * kWeek - 1);
     {
         sys::Log::Capture log;
-        cut.cleanup();
+        ZBImageCut::traverseDirectoryAtPath(documents.string());
         EXPECT_TRUE(log.texts().empty()) << "exactly eight weeks old is not older";
     }
     advance(1);
     sys::Log::Capture log;
-    cut.cleanup();
+    ZBImageCut::traverseDirectoryAtPath(documents.string());
     EXPECT_FALSE(fs::exists(old));
     EXPECT_FALSE(fs::exists(documents / "toskar" / "h.com" / "t.png"));
     EXPECT_TRUE(fs::exists(pathOf(cut)));
@@ -165,14 +169,44 @@ TEST_F(ZBImageCutTest, SweepDeletesOnlyOldFilesInsideTheCacheFolders) {
     auto lines = log.texts();
     ASSERT_GE(lines.size(), 4u);
     EXPECT_EQ(std::vector<std::string>(lines.begin(), lines.begin() + 4), expected);
-
-    // Pointed at the documents folder itself, the sweep still keeps to the cache folders.
-    advance(20 * kWeek);
-    ZBImageCut::traverseDirectoryAtPath(documents.string());
-    EXPECT_TRUE(fs::exists(documents / "notes.txt"));
-    EXPECT_FALSE(fs::exists(pathOf(cut)));
     EXPECT_FALSE(ZBImageCut::removeFileAtPath((documents / "notes.txt").string()));
     EXPECT_TRUE(fs::exists(documents / "notes.txt"));
+}
+
+// Views ask for the sweep after every picture: a hundred asks sweep both
+// cache folders once, on a background queue, never on the main thread; asks
+// within the hour after are dropped, and the next one after it sweeps again.
+TEST_F(ZBImageCutTest, CleanupSweepsOnceALaunchThenHourlyOffTheMainThread) {
+    useManualClock(kJan2024);
+    ZBImageCut cut;
+    ASSERT_TRUE(save(cut, "http://h.com/x/first.png", ""));
+    const std::string first = pathOf(cut);
+    ASSERT_TRUE(sys::Files::createFolder(documents / "toskar" / "h.com"));
+    ASSERT_TRUE(sys::Files::write(documents / "toskar" / "h.com" / "t.png", std::string_view("t")));
+    advance(60);
+    ASSERT_TRUE(save(cut, "http://h.com/x/second.png", ""));
+    const std::string second = pathOf(cut);
+
+    advance(8 * kWeek - 30); // the first files are over eight weeks old, the second not yet
+    const auto before = detail::CacheSweep::stats();
+    for (int shown = 0; shown < 100; ++shown)
+        cut.cleanup();
+    sys::Queue::waitIdle();
+    const auto after = detail::CacheSweep::stats();
+    EXPECT_EQ(after.walks - before.walks, 2) << "one walk of each cache folder";
+    EXPECT_EQ(after.mainThreadSeconds, before.mainThreadSeconds) << "a walk ran on the main thread";
+    EXPECT_FALSE(fs::exists(first));
+    EXPECT_FALSE(fs::exists(documents / "toskar" / "h.com" / "t.png"));
+    EXPECT_TRUE(fs::exists(second));
+
+    advance(60); // the second file is old now, but the hour is not over
+    cut.cleanup();
+    sys::Queue::waitIdle();
+    EXPECT_TRUE(fs::exists(second));
+    advance(detail::CacheSweep::kInterval);
+    cut.cleanup();
+    sys::Queue::waitIdle();
+    EXPECT_FALSE(fs::exists(second));
 }
 
 // Bytes that are not a picture are never cached, and no callback runs.

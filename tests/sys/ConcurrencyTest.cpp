@@ -15,6 +15,7 @@
 #include <atomic>
 #include <chrono>
 #include <filesystem>
+#include <mutex>
 #include <string>
 #include <thread>
 #include <unistd.h>
@@ -305,4 +306,42 @@ TEST(FetchThreads, ParallelFetchesOnGlobalQueuesReportBackToMain) {
     std::sort(sizes.begin(), sizes.end());
     EXPECT_EQ(sizes, (std::vector<size_t>{0, 10000, 10001, 10002, 10003, 10004, 10005, 10006, 10007}));
     EXPECT_EQ(server.totalRequests(), 9);
+}
+
+// The fetch queue runs a few transfers at once and keeps the rest waiting in
+// order; transfers nobody wants any more end at once, running or waiting,
+// without a request for the waiting ones ever reaching the server.
+TEST(FetchThreads, FetchQueueBoundsTransfersAndDropsUnwantedOnes) {
+    morvane::test::LoopbackServer server;
+    constexpr int kTransfers = FetchQueue::kMaxTransfers + 3;
+    for (int i = 0; i < kTransfers; ++i)
+        server.delay("/slow" + std::to_string(i), 8, {200, "late", {}});
+    std::atomic<bool> wanted{true};
+    std::mutex mutex;
+    std::vector<FetchResult::Failure> failures;
+    for (int i = 0; i < kTransfers; ++i) {
+        FetchOptions options;
+        options.wanted = [&wanted] { return wanted.load(); };
+        FetchQueue::shared().add(server.address("/slow" + std::to_string(i)), options,
+                                 [&](FetchResult result) {
+                                     std::lock_guard lock(mutex);
+                                     failures.push_back(result.failure);
+                                 });
+    }
+    auto deadline = std::chrono::steady_clock::now() + 5s;
+    while (server.totalRequests() < FetchQueue::kMaxTransfers && std::chrono::steady_clock::now() < deadline)
+        std::this_thread::sleep_for(10ms);
+    std::this_thread::sleep_for(100ms); // room for a transfer beyond the limit to show up
+    EXPECT_EQ(server.totalRequests(), FetchQueue::kMaxTransfers);
+    EXPECT_EQ(FetchQueue::shared().running(), FetchQueue::kMaxTransfers);
+    EXPECT_EQ(FetchQueue::shared().waiting(), size_t(kTransfers - FetchQueue::kMaxTransfers));
+
+    const auto start = std::chrono::steady_clock::now();
+    wanted = false;
+    Queue::waitIdle();
+    EXPECT_LT(std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count(), 4)
+        << "given up, not waited out";
+    EXPECT_EQ(server.totalRequests(), FetchQueue::kMaxTransfers);
+    EXPECT_EQ(failures, std::vector<FetchResult::Failure>(kTransfers, FetchResult::Failure::Cancelled));
+    EXPECT_EQ(FetchQueue::shared().running(), 0);
 }

@@ -116,6 +116,28 @@ TEST_F(FilesTest, CreationDateIsTheMomentOfWritingOnTheKitsClock) {
     EXPECT_FALSE(Files::setModificationDate(folder / "missing", stamp));
 }
 
+// A version names one written file: dating and reading keep it, every
+// rewrite (even of the same bytes, at the same moment of a stopped clock)
+// and a removal change it. Copies decoded from a file rely on that.
+TEST_F(FilesTest, VersionsChangeWithEveryWriteAndOnlyThen) {
+    Clock::useManual(1577836800);
+    fs::path file = folder / "v.png";
+    ASSERT_TRUE(Files::write(file, std::string_view("same")));
+    const auto first = Files::version(file);
+    ASSERT_TRUE(first);
+    ASSERT_TRUE(Files::setModificationDate(file, 631155661));
+    Files::Version read;
+    EXPECT_EQ(Files::read(file, read), "same");
+    EXPECT_EQ(read, *first);
+    EXPECT_EQ(Files::version(file), first);
+
+    ASSERT_TRUE(Files::write(file, std::string_view("same")));
+    EXPECT_NE(Files::version(file), first);
+    ASSERT_TRUE(Files::remove(file));
+    EXPECT_FALSE(Files::version(file));
+    EXPECT_FALSE(Files::read(file, read));
+}
+
 TEST_F(FilesTest, FilesWrittenByOthersUseTheFileSystemsDates) {
     fs::path file = folder / "foreign.txt";
     std::ofstream(file) << "written elsewhere";

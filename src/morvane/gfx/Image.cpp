@@ -289,6 +289,31 @@ std::optional<Color> Image::pixelColor(int x, int y) const {
     return Color{component(16), component(8), component(0), a};
 }
 
+std::optional<std::array<std::uint8_t, 4>> Image::pixelBytes(int x, int y, PixelFormat format) const {
+    if (!impl_ || x < 0 || y < 0 || x >= pixelWidth() || y >= pixelHeight()) return std::nullopt;
+    cairo_surface_flush(impl_->surface);
+    const unsigned char* data = cairo_image_surface_get_data(impl_->surface);
+    int stride = cairo_image_surface_get_stride(impl_->surface);
+    std::uint32_t p = reinterpret_cast<const std::uint32_t*>(data + static_cast<std::size_t>(y) * stride)[x];
+    std::uint32_t a = p >> 24, r = (p >> 16) & 0xff, g = (p >> 8) & 0xff, b = p & 0xff;
+    switch (format) {
+    case PixelFormat::ARGBPremultiplied:
+        return std::array<std::uint8_t, 4>{std::uint8_t(a), std::uint8_t(r), std::uint8_t(g),
+                                           std::uint8_t(b)};
+    case PixelFormat::RGBA:
+        // The same rounding as pixels() uses, so both agree byte for byte.
+        if (a != 0 && a != 255) {
+            r = std::min<std::uint32_t>(255, (r * 255 + a / 2) / a);
+            g = std::min<std::uint32_t>(255, (g * 255 + a / 2) / a);
+            b = std::min<std::uint32_t>(255, (b * 255 + a / 2) / a);
+        }
+        break;
+    case PixelFormat::RGBAPremultiplied:
+        break;
+    }
+    return std::array<std::uint8_t, 4>{std::uint8_t(r), std::uint8_t(g), std::uint8_t(b), std::uint8_t(a)};
+}
+
 std::vector<std::uint8_t> Image::pngData() const {
     return impl_ ? detail::encodePNG(impl_->surface) : std::vector<std::uint8_t>{};
 }

@@ -13,6 +13,7 @@
 #include <morvane/gfx/Color.h>
 #include <morvane/gfx/Geometry.h>
 
+#include <array>
 #include <cstddef>
 #include <cstdint>
 #include <memory>
@@ -85,6 +86,9 @@ class Image {
     std::vector<std::uint8_t> pixels(PixelFormat format) const;
     // The straight colour of one pixel; nothing outside the image.
     std::optional<Color> pixelColor(int x, int y) const;
+    // The four bytes of one pixel in the format's order, read in place: no
+    // copy of the picture, however large. Nothing outside the image.
+    std::optional<std::array<std::uint8_t, 4>> pixelBytes(int x, int y, PixelFormat format) const;
 
     // Encodings; an empty vector for the null image. JPEG quality is 0...1.
     std::vector<std::uint8_t> pngData() const;

@@ -4,7 +4,7 @@
 #include <morvane/media/ZBImageCut.h>
 #include <morvane/media/detail/CachePaths.h>
 #include <morvane/media/detail/Download.h>
-#include <morvane/media/detail/SingleFlight.h>
+#include <morvane/media/detail/SharedDownload.h>
 #include <morvane/sys/App.h>
 #include <morvane/sys/Clock.h>
 #include <morvane/sys/Fetch.h>
@@ -56,36 +56,37 @@ std::optional<std::string> safeTarget(const std::string& trgImage, std::string* 
     return out;
 }
 
+// Downloads through the fetch queue, one transfer per address and stamp;
+// every request gets the picture with the path the address gives.
 void download(const std::string& address, const std::string& trgImage, const std::string& stamp,
               const HPhotoLoad::Callback& local) {
     const std::string relative = HPhotoLoad::pathMinusFirstToken(address);
-    std::string reason;
-    const auto target = safeTarget(trgImage, &reason);
-    const std::string key = target ? "\t" + *target : "\n" + address;
-    auto work = [&]() -> gfx::Image {
-        auto [image, bytes] = detail::downloadPicture(address);
-        if (image.isNull()) return {};
+    auto keep = [address, trgImage, stamp](const std::string& bytes, const gfx::Image&) {
+        std::string reason;
+        const auto target = safeTarget(trgImage, &reason);
         if (!target) {
             sys::Log::platform("Picture not cached (" + reason + "): " + address);
-            return image;
+            return true;
         }
         const std::string path = HPhotoLoad::currentPath(*target);
         HPhotoLoad::mkDirMinusFname(path);
         if (!detail::insideCacheFolders(path)) {
             sys::Log::platform("Picture not cached (outside the cache folders): " + path);
-            return {};
+            return false;
         }
         std::string error;
         if (!sys::Files::write(path, bytes, &error)) {
             sys::Log::platform("Got an error: " + error);
-            return {};
+            return false;
         }
         HPhotoLoad::ModDate(path, stamp);
-        return image;
+        return true;
     };
-    detail::SingleFlight::shared().run(key, work, [local, relative](const gfx::Image& image) {
+    detail::SharedDownload::Requester requester;
+    requester.deliver = [local, relative](const gfx::Image& image) {
         if (local) local(image, relative);
-    });
+    };
+    detail::SharedDownload::request(address, stamp, trgImage, std::move(keep), std::move(requester));
 }
 
 } // namespace
@@ -122,10 +123,7 @@ void HPhotoLoad::setData(std::string_view address, std::string_view date, Callba
                 sys::Log::platform("Not a picture address: " + address);
                 return;
             }
-            sys::Queue::global(sys::Priority::Default)
-                .async([address = std::move(address), trgImage = std::move(trgImage),
-                        stamp = std::move(stamp),
-                        local = std::move(local)] { download(address, trgImage, stamp, local); });
+            download(address, trgImage, stamp, local);
         });
 }
 
@@ -135,9 +133,7 @@ void HPhotoLoad::urlPhoto(std::string_view address, std::string_view date, Callb
         sys::Log::platform("Not a picture address: " + std::string(address));
         return;
     }
-    sys::Queue::global(sys::Priority::Default)
-        .async([address = std::string(address), trgImage = trgImage_, stamp = std::string(date),
-                local = std::move(local)] { download(address, trgImage, stamp, local); });
+    download(std::string(address), trgImage_, std::string(date), local);
 }
 
 gfx::Image HPhotoLoad::maskedImage(const gfx::Image& image, const gfx::Color& color) {

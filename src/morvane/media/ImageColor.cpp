@@ -115,9 +115,10 @@ std::optional<gfx::Color> ImageColor::colorOfPoint(const gfx::Image& image, gfx:
     const double x = std::floor(point.x), y = std::floor(point.y);
     if (bitmap.isNull() || x < 0 || y < 0 || x >= bitmap.pixelWidth() || y >= bitmap.pixelHeight())
         return std::nullopt;
-    const auto pixels = bitmap.pixels(gfx::PixelFormat::RGBAPremultiplied);
-    const std::size_t at = (std::size_t(y) * std::size_t(bitmap.pixelWidth()) + std::size_t(x)) * 4;
-    return gfx::Color::fromBytes(pixels[at], pixels[at + 1], pixels[at + 2], pixels[at + 3]);
+    // One pixel read in place, not a copy of the whole picture.
+    const auto rgba = bitmap.pixelBytes(int(x), int(y), gfx::PixelFormat::RGBAPremultiplied);
+    if (!rgba) return std::nullopt;
+    return gfx::Color::fromBytes((*rgba)[0], (*rgba)[1], (*rgba)[2], (*rgba)[3]);
 }
 
 } // namespace morvane

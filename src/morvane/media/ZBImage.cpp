@@ -28,9 +28,12 @@ void ZBImage::addImage(std::optional<std::string_view> name, std::optional<std::
     MORVANE_ASSERT_MAIN_THREAD();
     showProgress(true);
     std::weak_ptr<ZBImage> weakSelf = std::static_pointer_cast<ZBImage>(shared_from_this());
-    ZBImageModel::loadOnMain(name, imgd, [weakSelf](const gfx::Image& image) {
-        if (auto self = weakSelf.lock()) self->showLoaded(image);
-    });
+    // The view is the requester: released before its picture arrives, it
+    // leaves no transfer running for nobody.
+    ZBImageModel::loadOnMain(name, imgd, std::weak_ptr<const void>(weakSelf),
+                             [weakSelf](const gfx::Image& image) {
+                                 if (auto self = weakSelf.lock()) self->showLoaded(image);
+                             });
 }
 
 void ZBImage::showLoaded(const gfx::Image& image) {

@@ -1,17 +1,21 @@
 #include <morvane/media/ImageColor.h>
 #include <morvane/media/ZBImageCut.h>
 #include <morvane/media/detail/CachePaths.h>
+#include <morvane/media/detail/CacheSweep.h>
 #include <morvane/media/detail/Download.h>
+#include <morvane/media/detail/MemoryCache.h>
 #include <morvane/sys/App.h>
 #include <morvane/sys/Clock.h>
 #include <morvane/sys/Files.h>
 #include <morvane/sys/Log.h>
+#include <morvane/sys/Queue.h>
 #include <morvane/util/Dates.h>
 
 #include <unicode/gregocal.h>
 #include <unicode/timezone.h>
 #include <unicode/unistr.h>
 
+#include <chrono>
 #include <memory>
 #include <vector>
 
@@ -184,11 +188,30 @@ std::optional<std::string> ZBImageCut::imageRead(std::string_view dir, std::stri
                                                  std::string_view) const {
     const std::string path = currentPath2(dir, fname);
     if (path.find('\0') != std::string::npos || !detail::insideCacheFolders(path)) return std::nullopt;
-    if (changeDate_) {
-        if (auto created = fileDateEx(path); created && dateCompare(*created, false))
-            changeImageDate(path, now(-4));
-    }
+    ageOnRead(path);
     return sys::Files::read(path);
+}
+
+void ZBImageCut::ageOnRead(const std::string& path) const {
+    if (!changeDate_) return;
+    if (auto created = fileDateEx(path); created && dateCompare(*created, false))
+        changeImageDate(path, now(-4));
+}
+
+gfx::Image ZBImageCut::readPicture(std::string_view dir, std::string_view fname) const {
+    const std::string path = currentPath2(dir, fname);
+    if (path.find('\0') != std::string::npos || !detail::insideCacheFolders(path)) return {};
+    ageOnRead(path);
+    auto& memory = detail::MemoryCache::shared();
+    if (auto version = sys::Files::version(path)) {
+        if (gfx::Image kept = memory.find(path, *version); !kept.isNull()) return kept;
+    }
+    sys::Files::Version version;
+    auto bytes = sys::Files::read(path, version);
+    if (!bytes) return {};
+    gfx::Image image = detail::decodePicture(*bytes);
+    memory.insert(path, version, image);
+    return image;
 }
 
 bool ZBImageCut::saveImage(std::string_view bytes, std::string_view fname, std::string_view dir,
@@ -229,6 +252,11 @@ bool ZBImageCut::storeImage(std::string_view bytes, const gfx::Image& image, std
         if (auto limit = dateCompare(cut(stamp), true)) date = *limit;
     }
     changeImageDate(path, date);
+    // Another download may have put its own file here meanwhile: only what
+    // reads back as these very bytes is remembered as this file's picture.
+    sys::Files::Version version;
+    if (auto written = sys::Files::read(path, version); written && *written == bytes)
+        detail::MemoryCache::shared().insert(path, version, image);
     return true;
 }
 
@@ -248,6 +276,17 @@ bool ZBImageCut::removeFileAtPath(const std::string& path) {
 
 void ZBImageCut::traverseDirectoryAtPath(const std::string& path) {
     if (path.find('\0') != std::string::npos) return;
+    // The walk times itself when it runs on the main thread, where it must not.
+    const bool onMain = sys::isMainThread();
+    const auto start = std::chrono::steady_clock::now();
+    struct Record {
+        bool onMain;
+        std::chrono::steady_clock::time_point start;
+        ~Record() {
+            detail::CacheSweep::recordWalk(
+                onMain ? std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count() : 0);
+        }
+    } record{onMain, start};
     const std::string limit = now(-8);
     for (const auto& entry : sys::Files::walk(path)) {
         if (entry.isFolder || !detail::insideCacheFolders(entry.path)) continue;
@@ -263,12 +302,11 @@ void ZBImageCut::traverseDirectoryAtPath(const std::string& path) {
 
 void ZBImageCut::cleanup() const {
     if (!changeDate_) return;
-    // Only the cache's own folders: the rest of the documents folder belongs
-    // to the application.
-    for (std::string_view folder : {detail::kImageFolder, detail::kOlderLoaderFolder}) {
-        const std::string root = currentPath2(folder, std::nullopt);
-        if (sys::Files::isFolder(root)) traverseDirectoryAtPath(root);
-    }
+    // Only the cache's own folders ("img" and "toskar"): the rest of the
+    // documents folder belongs to the application. Views call this after
+    // every picture, so the walk itself runs once a launch and then once an
+    // interval, on a background queue (detail::CacheSweep).
+    detail::CacheSweep::request();
 }
 
 gfx::Image ZBImageCut::maskedImage(const gfx::Image& image, const gfx::Color& color) {

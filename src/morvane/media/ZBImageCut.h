@@ -6,7 +6,8 @@
 // - a file's creation date is the moment of the download (freshness, age);
 // - its modification date holds the picture's own date stamp, never older
 //   than four weeks back;
-// - cleanup() removes files created more than eight weeks ago.
+// - cleanup() removes files created more than eight weeks ago (in the
+//   background, at most once a launch and then once an hour).
 // Date stamps are texts "yyyy.MM.dd'T'HH:mm:ss" in the current time zone, cut
 // to 19 characters and compared as texts; "now" is the kit's clock.
 //
@@ -88,13 +89,18 @@ class ZBImageCut {
     // date of a file created over four weeks ago to four weeks ago. The stamp is not used.
     std::optional<std::string> imageRead(std::string_view dir, std::string_view fname,
                                          std::string_view stamp) const;
+    // The picture in the file (scale 1), dated on the way as imageRead does;
+    // a null image when it is missing or no picture. Each version of a file
+    // is decoded once and kept in the memory cache in front of the files.
+    gfx::Image readPicture(std::string_view dir, std::string_view fname) const;
     // Writes downloaded bytes atomically, dates the file and calls back with
     // the picture (scale 1) and true. Bytes that are not a picture, a path
     // outside the cache folders or a failed write end it: nothing written,
     // no callback, false.
     bool saveImage(std::string_view bytes, std::string_view fname, std::string_view dir,
                    std::string_view stamp, const Callback& local) const;
-    // The same for bytes already decoded by the caller.
+    // The same for bytes already decoded by the caller, which go on to the
+    // memory cache as the copy of the file just written.
     bool storeImage(std::string_view bytes, const gfx::Image& image, std::string_view fname,
                     std::string_view dir, std::string_view stamp) const;
 
@@ -103,13 +109,19 @@ class ZBImageCut {
     // Removes the files below the path, inside the cache folders only, that
     // were created more than eight weeks ago, logging each.
     static void traverseDirectoryAtPath(const std::string& path);
-    // The sweep of the whole cache, when changeDate is on.
+    // The sweep of the whole cache, when changeDate is on: it starts on a
+    // background queue and returns at once, and runs at most once a launch
+    // and then once an hour however often it is asked for.
     void cleanup() const;
 
     // The picture tinted with the colour (ImageColor::color).
     static gfx::Image maskedImage(const gfx::Image& image, const gfx::Color& color);
 
   private:
+    // The age rule of a read: a file created over four weeks ago (by its day)
+    // gets four weeks ago as its modification date.
+    void ageOnRead(const std::string& path) const;
+
     std::string address_;
     std::string dirName_;
     std::string fileName_;

@@ -4,7 +4,7 @@
 #include <morvane/media/detail/CachePaths.h>
 #include <morvane/media/detail/Download.h>
 #include <morvane/media/detail/MemoryCache.h>
-#include <morvane/media/detail/SingleFlight.h>
+#include <morvane/media/detail/SharedDownload.h>
 #include <morvane/sys/Fetch.h>
 #include <morvane/sys/Log.h>
 #include <morvane/sys/Queue.h>
@@ -19,8 +19,7 @@ namespace {
 std::optional<gfx::Image> freshFromFile(const ZBImageCut& cut, const std::string& stamp) {
     const auto created = ZBImageCut::fileDate(cut.dirName(), cut.fileName());
     if (!created || *created < stamp) return std::nullopt;
-    auto bytes = cut.imageRead(cut.dirName(), cut.fileName(), stamp);
-    gfx::Image image = bytes ? detail::decodePicture(*bytes) : gfx::Image();
+    gfx::Image image = cut.readPicture(cut.dirName(), cut.fileName());
     if (image.isNull()) {
         // A damaged file would be served broken until the sweep; dropping it
         // lets the next request download the picture again.
@@ -29,34 +28,39 @@ std::optional<gfx::Image> freshFromFile(const ZBImageCut& cut, const std::string
     return image;
 }
 
-// Downloads the picture on the calling thread, one transfer per address;
-// every request for it gets the picture through its own callback.
+// Downloads the picture through the fetch queue, one transfer per address
+// and stamp; every request for it gets the picture through its own callback.
 void download(const ZBImageCut& cut, const std::string& address, const std::string& stamp,
-              ZBImageModel::Callback local) {
-    std::string reason;
-    const bool cacheable = cut.isCacheable(&reason);
-    const std::string key = cacheable ? cut.dirName() + "/" + cut.fileName() : "\n" + address;
-    auto work = [&]() -> gfx::Image {
-        auto [image, bytes] = detail::downloadPicture(address);
-        if (image.isNull()) return {};
-        if (cacheable) {
-            if (!cut.storeImage(bytes, image, cut.fileName(), cut.dirName(), stamp)) return {};
-        } else {
+              ZBImageModel::Callback local, std::optional<std::weak_ptr<const void>> requester) {
+    auto keep = [cut, address, stamp](const std::string& bytes, const gfx::Image& image) {
+        std::string reason;
+        if (!cut.isCacheable(&reason)) {
             sys::Log::platform("Picture not cached (" + reason + "): " + address);
+            return true;
         }
-        detail::MemoryCache::shared().insert(address, stamp, image);
-        return image;
+        return cut.storeImage(bytes, image, cut.fileName(), cut.dirName(), stamp);
     };
-    detail::SingleFlight::shared().run(key, work, [local](const gfx::Image& image) {
+    detail::SharedDownload::Requester waiting;
+    waiting.owner = std::move(requester);
+    waiting.deliver = [local = std::move(local)](const gfx::Image& image) {
         if (local) local(image, true);
-    });
+    };
+    const std::string place = cut.dirName() + "/" + cut.fileName();
+    detail::SharedDownload::request(address, stamp, place, std::move(keep), std::move(waiting));
 }
 
 } // namespace
 
 void ZBImageModel::loadOnMain(std::optional<std::string_view> name, std::optional<std::string_view> date,
                               std::function<void(const gfx::Image&)> show) {
+    loadOnMain(name, date, std::nullopt, std::move(show));
+}
+
+void ZBImageModel::loadOnMain(std::optional<std::string_view> name, std::optional<std::string_view> date,
+                              std::optional<std::weak_ptr<const void>> requester,
+                              std::function<void(const gfx::Image&)> show) {
     auto loader = std::make_shared<ZBImageModel>();
+    if (requester) loader->setRequester(std::move(*requester));
     // The loader rides along in the callback so that it lives as long as the request.
     loader->taskWithName(name, date, [loader, show = std::move(show)](const gfx::Image& image, bool) {
         sys::Queue::main().async([loader, show, image] {
@@ -92,10 +96,6 @@ void ZBImageModel::setData(std::string_view address, std::string_view date, Call
     if (imageFM_.address() != address || imageFM_.fileName().empty()) imageFM_.setFileName(address);
     const std::string stamp = ZBImageCut::cut(date);
 
-    if (gfx::Image kept = detail::MemoryCache::shared().find(address, stamp); !kept.isNull()) {
-        if (local) local(kept, true);
-        return;
-    }
     if (imageFM_.isCacheable()) {
         const auto created = ZBImageCut::fileDate(imageFM_.dirName(), imageFM_.fileName());
         if (created) {
@@ -104,7 +104,6 @@ void ZBImageModel::setData(std::string_view address, std::string_view date, Call
                 return;
             }
             if (auto image = freshFromFile(imageFM_, stamp)) {
-                if (!image->isNull()) detail::MemoryCache::shared().insert(address, stamp, *image);
                 if (local) local(*image, true);
                 return;
             }
@@ -118,16 +117,15 @@ void ZBImageModel::setData(std::string_view address, std::string_view date, Call
     // A request that arrives just after another one stored the picture finds
     // the file there and is served without a second transfer.
     sys::Queue::global(sys::Priority::Background)
-        .async([cut = imageFM_, address = std::string(address), stamp, local = std::move(local)]() mutable {
+        .async([cut = imageFM_, address = std::string(address), stamp, local = std::move(local),
+                requester = requester_]() mutable {
             if (cut.isCacheable()) {
                 if (auto image = freshFromFile(cut, stamp)) {
                     if (local) local(*image, true);
                     return;
                 }
             }
-            sys::Queue::global(sys::Priority::Default)
-                .async([cut = std::move(cut), address = std::move(address), stamp = std::move(stamp),
-                        local = std::move(local)] { download(cut, address, stamp, local); });
+            download(cut, address, stamp, std::move(local), std::move(requester));
         });
 }
 
@@ -137,9 +135,9 @@ void ZBImageModel::urlPhoto(std::string_view address, std::string_view date, Cal
         return;
     }
     if (imageFM_.address() != address || imageFM_.fileName().empty()) imageFM_.setFileName(address);
-    sys::Queue::global(sys::Priority::Default)
-        .async([cut = imageFM_, address = std::string(address), stamp = ZBImageCut::cut(date),
-                local = std::move(local)] { download(cut, address, stamp, local); });
+    // The transfer runs on the fetch queue and answers on a global queue, never
+    // before this call returns.
+    download(imageFM_, std::string(address), ZBImageCut::cut(date), std::move(local), requester_);
 }
 
 gfx::Image ZBImageModel::maskedImage(const gfx::Image& image, const gfx::Color& color) {

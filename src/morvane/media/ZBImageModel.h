@@ -17,9 +17,13 @@
 // download calls nothing back. The background work keeps copies of what it
 // needs, so the loader may be released as soon as the call returns.
 //
-// In front of the files sits a memory cache of decoded pictures keyed by
-// address and stamp, and concurrent requests for one address share a single
-// transfer and file write (each still gets its own callback).
+// In front of the files sits a memory cache of decoded pictures: the copy of
+// one version of one file, so it answers exactly as the files do, and
+// concurrent requests for one address and stamp share
+// a single transfer and file write (each still gets its own callback).
+// Transfers run on the fetch queue, a few at a time; a request may name the
+// object its picture is for (setRequester), and a transfer whose requesters
+// are all gone is given up.
 
 #include <morvane/gfx/Color.h>
 #include <morvane/gfx/Image.h>
@@ -27,6 +31,7 @@
 
 #include <cstddef>
 #include <functional>
+#include <memory>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -43,6 +48,11 @@ class ZBImageModel {
     ZBImageModel() = default;
 
     ZBImageCut& imageFM() { return imageFM_; }
+
+    // The object this loader's pictures are for, held weakly: once it is gone
+    // (and nobody else waits for the same picture) a download is given up and
+    // nothing is called back. Without one, a download runs to its end.
+    void setRequester(std::weak_ptr<const void> requester) { requester_ = std::move(requester); }
     const ZBImageCut& imageFM() const { return imageFM_; }
 
     // The entry point: no name gives the resource picture "about" tinted
@@ -62,6 +72,11 @@ class ZBImageModel {
     // then sweep the cache. `show` holds its view weakly and checks it.
     static void loadOnMain(std::optional<std::string_view> name, std::optional<std::string_view> date,
                            std::function<void(const gfx::Image&)> show);
+    // The same for a requester (the view, say): its download is given up when
+    // the requester is gone before the picture arrives.
+    static void loadOnMain(std::optional<std::string_view> name, std::optional<std::string_view> date,
+                           std::optional<std::weak_ptr<const void>> requester,
+                           std::function<void(const gfx::Image&)> show);
 
     // How the views place a picture, by its width / height: under 0.8 it is
     // tall (fitted, on its own corner colour), exactly 1 square, under 1.2
@@ -80,6 +95,7 @@ class ZBImageModel {
 
   private:
     ZBImageCut imageFM_;
+    std::optional<std::weak_ptr<const void>> requester_;
 };
 
 } // namespace morvane

@@ -1,11 +1,15 @@
 #include <morvane/sys/Fetch.h>
+#include <morvane/sys/Log.h>
+#include <morvane/sys/Queue.h>
 
 #include <curl/curl.h>
 
 #include <algorithm>
 #include <cctype>
 #include <cstdlib>
+#include <deque>
 #include <mutex>
+#include <vector>
 
 namespace morvane::sys {
 namespace {
@@ -13,8 +17,21 @@ namespace {
 struct Transfer {
     std::string* body;
     std::size_t maxBytes;
+    const std::function<bool()>* wanted;
     bool tooLarge = false;
+    bool cancelled = false;
 };
+
+// curl calls this often while data flows and about once a second while the
+// server says nothing, which is when an unwanted transfer matters most.
+int progress(void* context, curl_off_t, curl_off_t, curl_off_t, curl_off_t) {
+    auto* transfer = static_cast<Transfer*>(context);
+    if (*transfer->wanted && !(*transfer->wanted)()) {
+        transfer->cancelled = true;
+        return 1; // makes curl stop with an aborted-by-callback error
+    }
+    return 0;
+}
 
 size_t receive(char* data, size_t size, size_t count, void* context) {
     auto* transfer = static_cast<Transfer*>(context);
@@ -61,13 +78,19 @@ FetchResult fetch(std::string_view address, const FetchOptions& options) {
         return result;
     }
 
+    if (options.wanted && !options.wanted()) {
+        result.failure = FetchResult::Failure::Cancelled;
+        result.error = "Not wanted any more: " + std::string(address);
+        return result;
+    }
+
     CURL* curl = curl_easy_init();
     if (!curl) {
         result.failure = FetchResult::Failure::Network;
         result.error = "Cannot start a transfer";
         return result;
     }
-    Transfer transfer{&result.body, options.maxBytes};
+    Transfer transfer{&result.body, options.maxBytes, &options.wanted};
     char errorText[CURL_ERROR_SIZE] = {};
     std::string url(address);
     // Loopback never goes through a proxy, whatever the environment says.
@@ -90,6 +113,11 @@ FetchResult fetch(std::string_view address, const FetchOptions& options) {
     curl_easy_setopt(curl, CURLOPT_WRITEDATA, &transfer);
     curl_easy_setopt(curl, CURLOPT_ERRORBUFFER, errorText);
     curl_easy_setopt(curl, CURLOPT_USERAGENT, "Morvane/1");
+    if (options.wanted) {
+        curl_easy_setopt(curl, CURLOPT_XFERINFOFUNCTION, progress);
+        curl_easy_setopt(curl, CURLOPT_XFERINFODATA, &transfer);
+        curl_easy_setopt(curl, CURLOPT_NOPROGRESS, 0L);
+    }
 
     CURLcode code = curl_easy_perform(curl);
     curl_easy_getinfo(curl, CURLINFO_RESPONSE_CODE, &result.status);
@@ -126,6 +154,12 @@ FetchResult fetch(std::string_view address, const FetchOptions& options) {
     case CURLE_FILESIZE_EXCEEDED:
         fail(FetchResult::Failure::TooLarge, "More than " + std::to_string(options.maxBytes) + " bytes");
         break;
+    case CURLE_ABORTED_BY_CALLBACK:
+        if (transfer.cancelled)
+            fail(FetchResult::Failure::Cancelled, "Not wanted any more: " + std::string(address));
+        else
+            fail(FetchResult::Failure::Network, detail);
+        break;
     case CURLE_TOO_MANY_REDIRECTS:
         fail(FetchResult::Failure::TooManyRedirects, detail);
         break;
@@ -146,6 +180,77 @@ FetchResult fetch(std::string_view address, const FetchOptions& options) {
         break;
     }
     return result;
+}
+
+struct FetchQueue::Pending {
+    std::string address;
+    FetchOptions options;
+    Completion completion;
+};
+
+struct FetchQueue::State {
+    mutable std::mutex mutex;
+    std::deque<Pending> waiting;
+    bool laneBusy[kMaxTransfers] = {};
+    int running = 0;
+};
+
+FetchQueue::FetchQueue() : state_(new State) {}
+
+FetchQueue& FetchQueue::shared() {
+    static FetchQueue* instance = new FetchQueue; // never destroyed: lanes may run at exit
+    return *instance;
+}
+
+void FetchQueue::add(std::string address, FetchOptions options, Completion completion) {
+    int lane = -1;
+    {
+        std::lock_guard lock(state_->mutex);
+        state_->waiting.push_back({std::move(address), std::move(options), std::move(completion)});
+        if (state_->running == kMaxTransfers) return; // a running lane takes it when it is done
+        for (lane = 0; state_->laneBusy[lane]; ++lane) {
+        }
+        state_->laneBusy[lane] = true;
+        ++state_->running;
+    }
+    // Each lane is a serial queue of its own: its thread may sit in a stalled
+    // transfer without holding anything else up, and Queue::waitIdle() sees it.
+    Queue::serial("morvane.fetch." + std::to_string(lane)).async([this, lane] { runLane(lane); });
+}
+
+void FetchQueue::runLane(int lane) {
+    for (;;) {
+        Pending next;
+        {
+            std::lock_guard lock(state_->mutex);
+            if (state_->waiting.empty()) {
+                // Decided under the same lock that add() checks `running` under,
+                // so a transfer added now either sees this lane free or is taken here.
+                state_->laneBusy[lane] = false;
+                --state_->running;
+                return;
+            }
+            next = std::move(state_->waiting.front());
+            state_->waiting.pop_front();
+        }
+        FetchResult result = fetch(next.address, next.options);
+        // A completion that throws must not cost the queue a lane.
+        try {
+            if (next.completion) next.completion(std::move(result));
+        } catch (...) {
+            Log::platform("A fetch completion threw: " + next.address);
+        }
+    }
+}
+
+int FetchQueue::running() const {
+    std::lock_guard lock(state_->mutex);
+    return state_->running;
+}
+
+std::size_t FetchQueue::waiting() const {
+    std::lock_guard lock(state_->mutex);
+    return state_->waiting.size();
 }
 
 } // namespace morvane::sys

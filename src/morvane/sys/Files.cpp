@@ -45,6 +45,23 @@ Date fromTimestamp(const struct statx_timestamp& time) {
     return double(time.tv_sec) + time.tv_nsec / 1e9;
 }
 
+// The version of what `fd` (or, with AT_FDCWD, `path`) names; links are not followed.
+std::optional<Files::Version> versionAt(int fd, const char* path, int flags) {
+    struct statx info {};
+    if (::statx(fd, path, flags | AT_SYMLINK_NOFOLLOW, STATX_INO | STATX_BTIME | STATX_CTIME, &info) != 0)
+        return std::nullopt;
+    // The birth time never changes for a file; where the file system keeps
+    // none, the status change time stands in: it also moves when dates are
+    // set, which costs a decode again but never passes one file for another.
+    const auto& born = (info.stx_mask & STATX_BTIME) ? info.stx_btime : info.stx_ctime;
+    Files::Version version;
+    version.device = (std::uint64_t(info.stx_dev_major) << 32) | info.stx_dev_minor;
+    version.inode = info.stx_ino;
+    version.bornSeconds = born.tv_sec;
+    version.bornNanoseconds = born.tv_nsec;
+    return version;
+}
+
 } // namespace
 
 bool Files::exists(const Path& path) {
@@ -120,8 +137,23 @@ bool Files::write(const Path& path, std::string_view bytes, std::string* error) 
 }
 
 std::optional<std::string> Files::read(const Path& path) {
+    Version ignored;
+    return read(path, ignored);
+}
+
+std::optional<Files::Version> Files::version(const Path& path) {
+    return versionAt(AT_FDCWD, path.c_str(), 0);
+}
+
+std::optional<std::string> Files::read(const Path& path, Version& version) {
     int fd = ::open(path.c_str(), O_RDONLY | O_CLOEXEC);
     if (fd < 0) return std::nullopt;
+    if (auto opened = versionAt(fd, "", AT_EMPTY_PATH)) {
+        version = *opened;
+    } else {
+        ::close(fd);
+        return std::nullopt;
+    }
     struct stat info {};
     if (::fstat(fd, &info) != 0 || !S_ISREG(info.st_mode)) {
         ::close(fd);

@@ -43,6 +43,20 @@ class Files {
     // The whole file, or nothing when it cannot be read.
     static std::optional<std::string> read(const Path& path);
 
+    // Which file is at a path: every write() gives a new version, because it
+    // puts a new file in place, while reading, dating or renaming the file
+    // keeps it. Decoded copies of a file are checked against it.
+    struct Version {
+        std::uint64_t device = 0;
+        std::uint64_t inode = 0;
+        std::int64_t bornSeconds = 0; // the file system's birth time (status change where it keeps none)
+        std::uint32_t bornNanoseconds = 0;
+        bool operator==(const Version&) const = default;
+    };
+    static std::optional<Version> version(const Path& path);
+    // The whole file, and the version of the very file read.
+    static std::optional<std::string> read(const Path& path, Version& version);
+
     // Removes a file, a link (not what it points to) or an empty folder.
     static bool remove(const Path& path, std::string* error = nullptr);
 

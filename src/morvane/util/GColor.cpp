@@ -11,19 +11,19 @@ namespace {
 constexpr double kCornerTolerance = 0.1;
 
 // The four corner samples in their fixed order; nothing when the picture
-// cannot be drawn or a sample point falls outside it (pictures under 2 x 2).
+// cannot be read or a sample point falls outside it (pictures under 2 x 2).
+// Drawing the picture to fill a bitmap of its own pixel size copies every
+// pixel unchanged, so the samples are read from the picture in place: a tall
+// photo shown on the main thread costs four reads, not two copies of itself.
 std::optional<std::array<gfx::Color, 4>> cornerSamples(const gfx::Image& image) {
-    auto bitmap = GColor::createARGBBitmapContextFromImage2(image);
-    if (!bitmap) return std::nullopt;
-    const int w = bitmap->width(), h = bitmap->height();
-    bitmap->canvas().drawImage(image, gfx::Rect(0, 0, w, h));
-    const auto bytes = bitmap->bytes();
-    const gfx::Point points[4] = {
-        {1, 1}, {double(w - 1), 0}, {0, double(h - 1)}, {double(w - 1), double(h - 1)}};
+    if (image.isNull()) return std::nullopt;
+    const int w = image.pixelWidth(), h = image.pixelHeight();
+    const int points[4][2] = {{1, 1}, {w - 1, 0}, {0, h - 1}, {w - 1, h - 1}};
     std::array<gfx::Color, 4> samples;
     for (std::size_t i = 0; i < 4; ++i) {
-        if (points[i].y >= h) return std::nullopt;
-        const auto color = GColor::getColorAtPoint(points[i], bytes, w);
+        const auto argb = image.pixelBytes(points[i][0], points[i][1], gfx::PixelFormat::ARGBPremultiplied);
+        if (!argb) return std::nullopt;
+        const auto color = GColor::getColorAtPoint({0, 0}, *argb, 1);
         if (!color) return std::nullopt;
         samples[i] = *color;
     }

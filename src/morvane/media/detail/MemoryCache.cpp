@@ -13,6 +13,7 @@ constexpr std::size_t kDefaultLimit = 64u * 1024 * 1024;
 struct Store {
     struct Entry {
         std::string key;
+        sys::Files::Version version;
         gfx::Image image;
         std::size_t bytes;
     };
@@ -36,13 +37,6 @@ Store& store() {
     return *instance;
 }
 
-std::string keyOf(std::string_view address, std::string_view stamp) {
-    std::string key(address);
-    key += '\n';
-    key += stamp;
-    return key;
-}
-
 std::size_t bytesOf(const gfx::Image& image) {
     return std::size_t(image.pixelWidth()) * std::size_t(image.pixelHeight()) * 4;
 }
@@ -54,28 +48,35 @@ MemoryCache& MemoryCache::shared() {
     return instance;
 }
 
-gfx::Image MemoryCache::find(std::string_view address, std::string_view stamp) {
+gfx::Image MemoryCache::find(const std::string& path, const sys::Files::Version& version) {
     auto& s = store();
     std::lock_guard lock(s.mutex);
-    auto found = s.index.find(keyOf(address, stamp));
+    auto found = s.index.find(path);
     if (found == s.index.end()) return {};
+    if (!(found->second->version == version)) {
+        s.bytes -= found->second->bytes;
+        s.order.erase(found->second);
+        s.index.erase(found);
+        return {};
+    }
     s.order.splice(s.order.begin(), s.order, found->second);
     return found->second->image;
 }
 
-void MemoryCache::insert(std::string_view address, std::string_view stamp, const gfx::Image& image) {
+void MemoryCache::insert(const std::string& path, const sys::Files::Version& version,
+                         const gfx::Image& image) {
     if (image.isNull()) return;
     auto& s = store();
     std::lock_guard lock(s.mutex);
     const std::size_t size = bytesOf(image);
     if (size > s.limit) return;
-    std::string key = keyOf(address, stamp);
+    std::string key = path;
     if (auto found = s.index.find(key); found != s.index.end()) {
         s.bytes -= found->second->bytes;
         s.order.erase(found->second);
         s.index.erase(found);
     }
-    s.order.push_front({key, image, size});
+    s.order.push_front({key, version, image, size});
     s.index.emplace(std::move(key), s.order.begin());
     s.bytes += size;
     s.trim();

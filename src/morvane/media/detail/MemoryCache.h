@@ -1,9 +1,15 @@
 #pragma once
 // Inside the library only: decoded pictures kept in memory in front of the
-// file cache, keyed by address and date stamp, least recently used first out
-// once their pixels pass the byte limit. Safe from any thread.
+// file cache, least recently used first out once their pixels pass the byte
+// limit. Safe from any thread.
+//
+// An entry is the decoded copy of one version of one cache file, never a
+// picture for an address: the file cache's rules (which file, how fresh)
+// decide first, and the memory only saves the decode. So a file replaced by a
+// newer download, or removed by anyone, is never answered from memory.
 
 #include <morvane/gfx/Image.h>
+#include <morvane/sys/Files.h>
 
 #include <cstddef>
 #include <string>
@@ -15,8 +21,10 @@ class MemoryCache {
   public:
     static MemoryCache& shared();
 
-    gfx::Image find(std::string_view address, std::string_view stamp);
-    void insert(std::string_view address, std::string_view stamp, const gfx::Image& image);
+    // The picture decoded from that version of the file at the path; a null
+    // image when there is none (an entry of another version is dropped).
+    gfx::Image find(const std::string& path, const sys::Files::Version& version);
+    void insert(const std::string& path, const sys::Files::Version& version, const gfx::Image& image);
     void clear();
 
     // Bytes of pixels kept at most; 0 turns the cache off.
