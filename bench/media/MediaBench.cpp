@@ -10,8 +10,8 @@
 #include <morvane/sys/App.h>
 #include <morvane/sys/Log.h>
 #include <morvane/sys/Queue.h>
-#include <morvane/ui/HeadlessHost.h>
-#include <morvane/ui/Window.h>
+#include <morvane/ui/core/Window.h>
+#include <morvane/ui/hosts/HeadlessHost.h>
 
 #include "LoopbackServer.h"
 

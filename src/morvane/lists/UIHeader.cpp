@@ -287,13 +287,14 @@ void UIHeader::addSubtitle(std::string_view text) {
 void UIHeader::addImage(std::optional<std::string_view> name, std::optional<std::string_view> stamp) {
     MORVANE_ASSERT_MAIN_THREAD();
     std::weak_ptr<ui::ImageView> weakPhoto = photo_;
-    ZBImageModel::loadOnMain(name, stamp, [weakPhoto](const gfx::Image& image) {
-        auto photo = weakPhoto.lock();
-        if (!photo) return;
-        // Narrow pictures are shown whole; wide ones are cut to the circle.
-        photo->setClipsToBounds(image.size().width >= 129);
-        photo->setImage(image);
-    });
+    ZBImageModel::loadOnMain(name, stamp, std::weak_ptr<const void>(weakPhoto),
+                             [weakPhoto](const gfx::Image& image) {
+                                 auto photo = weakPhoto.lock();
+                                 if (!photo) return;
+                                 // Narrow pictures are shown whole; wide ones are cut to the circle.
+                                 photo->setClipsToBounds(image.size().width >= 129);
+                                 photo->setImage(image);
+                             });
 }
 
 void UIHeader::addImage(const gfx::Image& image) {

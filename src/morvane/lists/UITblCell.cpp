@@ -83,9 +83,11 @@ void UITblCell::addImage(std::optional<std::string_view> name, std::optional<std
     showProgress(true);
     // A released cell is left alone; a reused one shows what arrives.
     std::weak_ptr<UITblCell> weakSelf = std::static_pointer_cast<UITblCell>(weak_from_this().lock());
-    ZBImageModel::loadOnMain(name, imgd, [weakSelf](const gfx::Image& image) {
-        if (auto self = weakSelf.lock()) self->showLoaded(image);
-    });
+    // The cell is the requester: a download it no longer waits for is given up.
+    ZBImageModel::loadOnMain(name, imgd, std::weak_ptr<const void>(weakSelf),
+                             [weakSelf](const gfx::Image& image) {
+                                 if (auto self = weakSelf.lock()) self->showLoaded(image);
+                             });
 }
 
 void UITblCell::showLoaded(const gfx::Image& image) {
