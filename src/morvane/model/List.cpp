@@ -1,5 +1,7 @@
 #include <morvane/model/List.h>
 #include <morvane/model/detail/BlockPool.h>
+#include <morvane/model/detail/Release.h>
+#include <morvane/model/detail/Walk.h>
 
 #include <algorithm>
 #include <new>
@@ -121,7 +123,13 @@ List* List::allocate(std::size_t count) {
 void List::destroy(const List* list) noexcept {
     List* owned = const_cast<List*>(list);
     const std::size_t size = sizeof(List) + owned->inlineCapacity_ * sizeof(Value);
-    owned->~List();
+    {
+        detail::ReleaseScope scope;
+        if (scope.deep())
+            for (std::uint32_t i = 0; i < owned->items_.size_; ++i)
+                scope.defer(owned->items_.data_[i]);
+        owned->~List(); // inside the scope
+    }
     detail::freeBlock(owned, size);
 }
 
@@ -192,11 +200,7 @@ ListPtr List::shallowCopy() const {
 }
 
 bool List::equals(const List& other) const {
-    if (this == &other) return true;
-    if (size() != other.size()) return false;
-    for (std::size_t i = 0; i < items_.size(); ++i)
-        if (!(items_[i] == other.items_[i])) return false;
-    return true;
+    return detail::equalLists(*this, other);
 }
 
 } // namespace morvane
