@@ -91,9 +91,13 @@ Shared& shared() {
 // One thread's free lists. Plain data that is never destroyed, so a block
 // freed while the thread's thread-locals are being destroyed (a Node held by
 // one of them) still finds a valid `ended` flag and goes to the shared store.
+// Per size there is the list in use and at most one full batch in reserve;
+// each is a chain that ends in nullptr, so a batch changes hands whole,
+// without a walk through its blocks.
 struct Local {
     std::array<FreeBlock*, kClasses> heads;
     std::array<std::uint32_t, kClasses> counts;
+    std::array<FreeBlock*, kClasses> spares; // a full batch, or nullptr
     char* next;
     char* end;
     long long blockBytes;
@@ -123,7 +127,8 @@ void flush(Local& local) noexcept {
     std::lock_guard lock(store.mutex);
     for (std::size_t c = 1; c < kClasses; ++c) {
         if (local.heads[c]) store.batches[c].push_back({local.heads[c], local.counts[c]});
-        local.heads[c] = nullptr;
+        if (local.spares[c]) store.batches[c].push_back({local.spares[c], batchCount(c)});
+        local.heads[c] = local.spares[c] = nullptr;
         local.counts[c] = 0;
     }
     if (static_cast<std::size_t>(local.end - local.next) >= kSmallestSpareTail)
@@ -169,22 +174,27 @@ void freeEnded(FreeBlock* block, std::size_t c) noexcept {
     batches.push_back({block, 1});
 }
 
-// Moves one batch (the blocks freed last) from a full free list to the store.
-void handOver(Local& local, std::size_t c) noexcept {
-    const std::uint32_t count = batchCount(c);
-    FreeBlock* head = local.heads[c];
-    FreeBlock* tail = head;
-    for (std::uint32_t i = 1; i < count; ++i)
-        tail = tail->next;
-    local.heads[c] = tail->next;
-    local.counts[c] -= count;
-    tail->next = nullptr;
-    Shared& store = shared();
-    std::lock_guard lock(store.mutex);
-    store.batches[c].push_back({head, count});
+// The list in use is a full batch: it becomes the reserve, and a reserve
+// already there goes to the store.
+void retire(Local& local, std::size_t c) noexcept {
+    if (FreeBlock* full = local.spares[c]) {
+        Shared& store = shared();
+        std::lock_guard lock(store.mutex);
+        store.batches[c].push_back({full, batchCount(c)});
+    }
+    local.spares[c] = local.heads[c];
+    local.heads[c] = nullptr;
+    local.counts[c] = 0;
 }
 
+// Refills an empty list in use: from the reserve, else from the store.
 bool takeBatch(Local& local, std::size_t c) {
+    if (FreeBlock* full = local.spares[c]) {
+        local.heads[c] = full;
+        local.counts[c] = batchCount(c);
+        local.spares[c] = nullptr;
+        return true;
+    }
     Shared& store = shared();
     std::lock_guard lock(store.mutex);
     auto& batches = store.batches[c];
@@ -236,7 +246,7 @@ void freeBlock(void* block, std::size_t size) noexcept {
     local.blockBytes -= static_cast<long long>(c * kStep);
     freed->next = local.heads[c];
     local.heads[c] = freed;
-    if (++local.counts[c] >= 2 * batchCount(c)) handOver(local, c);
+    if (++local.counts[c] == batchCount(c)) retire(local, c);
 }
 
 long long threadBlockBytes() noexcept {
