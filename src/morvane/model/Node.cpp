@@ -44,6 +44,10 @@ Node::Node(std::initializer_list<Entry> entries) {
 }
 
 Node::~Node() {
+    // Most Nodes of a tree hold no Node or list: nothing can nest below them.
+    if (std::none_of(entries_.begin(), entries_.end(),
+                     [](const Entry& entry) { return entry.second.isNode() || entry.second.isList(); }))
+        return;
     detail::ReleaseScope scope;
     if (scope.deep())
         for (Entry& entry : entries_)

@@ -15,9 +15,9 @@ using detail::compareText;
 
 namespace {
 
-const Values& itemsOf(const ListPtr& list) {
-    static const Values none;
-    return list ? list->items() : none;
+const List& itemsOf(const ListPtr& list) {
+    static const List none;
+    return list ? *list : none;
 }
 
 // The shared rule of the insertion sorts: ascending, the first element that

@@ -46,7 +46,7 @@ void gather(const Node* root, const List* rootList, const GatherQuery& query, st
     while (!stack.empty()) {
         GatherLevel& level = stack.back();
         std::string_view key;
-        const Value* value = level.step(key);
+        const Value* value = stepToContainer(level, key);
         if (!value) {
             stack.pop_back();
             if (!stack.empty() && stack.back().list && out.size() == stack.back().pieceStart)
@@ -55,7 +55,7 @@ void gather(const Node* root, const List* rootList, const GatherQuery& query, st
         }
         if (level.list) {
             // Only Nodes and lists that hold containers can give a piece.
-            if (!value->isNode() && !value->listMayHoldContainers()) continue;
+            if (!value->isNode() && !detail::isListOfContainers(*value)) continue;
             level.before = out.size();
             if (level.before > level.start) out += query.back;
             level.pieceStart = out.size();
@@ -65,7 +65,7 @@ void gather(const Node* root, const List* rootList, const GatherQuery& query, st
                 enterList(*value->list());
         } else if (const NodePtr& nested = value->node()) {
             enterNode(*nested);
-        } else if (value->listMayHoldContainers()) {
+        } else if (detail::isListOfContainers(*value)) {
             enterList(*value->list());
         } else if (const std::string* text = value->text()) {
             if (!query.ownValueFirst && key == query.key) {
@@ -86,7 +86,7 @@ double sum(Level root, std::string_view key) {
     for (;;) {
         SumLevel& level = stack.back();
         std::string_view entryKey;
-        const Value* value = level.step(entryKey);
+        const Value* value = stepToContainer(level, entryKey);
         if (!value) {
             const double total = level.total;
             stack.pop_back();
@@ -94,7 +94,7 @@ double sum(Level root, std::string_view key) {
             stack.back().total += total;
         } else if (const NodePtr& nested = value->node()) {
             stack.push_back({levelOf(*nested)});
-        } else if (value->listMayHoldContainers()) {
+        } else if (detail::isListOfContainers(*value)) {
             stack.push_back({levelOf(*value->list())});
         } else if (const std::string* text = value->text(); text && level.node && entryKey == key) {
             level.total += static_cast<double>(leadingFloat(*text));

@@ -28,12 +28,12 @@ const Value* pullFrom(const Node* root, const List* rootList, std::string_view k
     }
     while (!stack.empty()) {
         std::string_view entryKey;
-        const Value* value = stack.back().step(entryKey);
+        const Value* value = detail::stepToContainer(stack.back(), entryKey);
         if (!value) {
             stack.pop_back();
         } else if (const NodePtr& nested = value->node()) {
             if (const Value* found = enter(*nested)) return found;
-        } else if (value->listMayHoldContainers()) {
+        } else if (detail::isListOfContainers(*value)) {
             stack.push_back(detail::levelOf(*value->list()));
         }
     }

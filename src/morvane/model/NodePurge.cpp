@@ -4,6 +4,7 @@
 
 #include <morvane/model/List.h>
 #include <morvane/model/Node.h>
+#include <morvane/model/detail/Walk.h>
 
 #include <cstdint>
 #include <initializer_list>
@@ -70,16 +71,20 @@ class Purge {
         while (!stack.empty()) {
             PurgeLevel& level = stack.back();
             if (level.list) {
-                if (level.next >= level.list->size()) {
+                // Only Nodes and lists holding containers are entered.
+                std::string_view none;
+                detail::Level elements{nullptr, level.list, level.next};
+                const Value* element = detail::stepToContainer(elements, none);
+                level.next = elements.next;
+                if (!element) {
                     stack.pop_back();
                     continue;
                 }
-                const Value& element = level.list->at(level.next++);
                 const Active active = level.active;
-                if (element.isNode())
-                    stack.push_back({element.node().get(), nullptr, 0, active});
-                else if (element.listMayHoldContainers())
-                    stack.push_back({nullptr, element.list().get(), 0, active});
+                if (element->isNode())
+                    stack.push_back({element->node().get(), nullptr, 0, active});
+                else
+                    stack.push_back({nullptr, element->list().get(), 0, active});
                 continue;
             }
             Node& node = *level.node;
@@ -98,7 +103,7 @@ class Purge {
             // flags and nulls.
             if (value.isList()) {
                 ++level.next;
-                if (value.listMayHoldContainers())
+                if (detail::isListOfContainers(value))
                     stack.push_back({nullptr, value.list().get(), 0, level.active});
                 continue;
             }

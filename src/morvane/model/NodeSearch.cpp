@@ -56,7 +56,7 @@ Value searchKeys(const Node* root, const List* rootList, bool hostReadOnly, cons
     }
     while (!stack.empty()) {
         std::string_view key;
-        const Value* value = stack.back().step(key);
+        const Value* value = detail::stepToContainer(stack.back(), key);
         if (!value) {
             stack.pop_back();
             continue;
@@ -67,7 +67,7 @@ Value searchKeys(const Node* root, const List* rootList, bool hostReadOnly, cons
         if (const NodePtr& nested = value->node()) {
             if (!query.enters(host, *nested)) continue;
             if (const Value* found = enter(*nested)) return *found;
-        } else if (value->listMayHoldContainers()) { // else nothing to search in
+        } else if (detail::isListOfContainers(*value)) { // else nothing to search in
             stack.push_back({detail::levelOf(*value->list()), host});
         }
     }
@@ -119,7 +119,7 @@ NodePtr searchNodes(const Node* root, const List* rootList, const NodeQuery& que
     // read-only child of a mutable Node now) and entered.
     while (!stack.empty()) {
         std::string_view key;
-        const Value* value = stack.back().step(key);
+        const Value* value = detail::stepToContainer(stack.back(), key);
         if (!value) {
             stack.pop_back();
             continue;
@@ -128,7 +128,7 @@ NodePtr searchNodes(const Node* root, const List* rootList, const NodeQuery& que
         if (const NodePtr& nested = value->node()) {
             if (inNode && query.matches(key)) return found(nested);
             if (const NodePtr* hit = enter(*nested)) return found(*hit);
-        } else if (value->listMayHoldContainers()) {
+        } else if (detail::isListOfContainers(*value)) {
             stack.push_back(detail::levelOf(*value->list()));
         }
     }

@@ -33,13 +33,13 @@ template <typename Hit> NodePtr firstNested(detail::Level root, Hit hit) {
     std::vector<detail::Level> stack{root};
     while (!stack.empty()) {
         std::string_view key;
-        const Value* value = stack.back().step(key);
+        const Value* value = detail::stepToContainer(stack.back(), key);
         if (!value) {
             stack.pop_back();
         } else if (const NodePtr& nested = value->node()) {
             if (hit(stack.back().node != nullptr, key, *nested)) return nested;
             stack.push_back(detail::levelOf(*nested));
-        } else if (value->listMayHoldContainers()) {
+        } else if (detail::isListOfContainers(*value)) {
             stack.push_back(detail::levelOf(*value->list()));
         }
     }
@@ -76,7 +76,7 @@ void listLikeKeys(const Node& root, std::string_view lowered, std::vector<Value>
     std::vector<detail::Level> stack{detail::levelOf(root)};
     while (!stack.empty()) {
         std::string_view key;
-        const Value* value = stack.back().step(key);
+        const Value* value = detail::stepToContainer(stack.back(), key);
         if (!value) {
             stack.pop_back();
         } else if (value->isText()) {
@@ -125,7 +125,7 @@ ListPtr Node::txtLikeList(std::string_view t) const {
 
 ListPtr Node::sortArray(const ListPtr& hits) const {
     if (!hits || hits->size() < 2 || hits->isReadOnly()) return hits;
-    auto& items = hits->items();
+    auto& items = detail::TreeAccess::items(*hits);
     for (std::size_t i = 0; i + 1 < items.size(); ++i) {
         for (std::size_t j = i + 1; j < items.size(); ++j)
             if (detail::compareText(hitKey(items[j]), hitKey(items[i])) < 0) std::swap(items[i], items[j]);

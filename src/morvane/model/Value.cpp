@@ -19,14 +19,6 @@ Value::Value(NodePtr node) noexcept {
 
 Value::Value(ListPtr list) noexcept {
     if (!list) return;
-    // The epoch is read before the elements: a change made after this point
-    // moves it past what is remembered here.
-    const std::uint64_t epoch = detail::listShapeEpoch() & kEpochMask;
-    if (std::as_const(*list).items_.vouch(list.use_count() == 1)) {
-        tag_.flags |= kVouchedList;
-        tag_.epochHigh = static_cast<std::uint16_t>(epoch >> 32);
-        tag_.epochLow = static_cast<std::uint32_t>(epoch);
-    }
     std::construct_at(&payload_.list, std::move(list));
     tag_.kind = Kind::List;
 }

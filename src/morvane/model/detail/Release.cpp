@@ -9,9 +9,12 @@ namespace {
 constexpr int kDeepestRelease = 128;
 
 // Plain data, so that a tree held by a thread-local and released while the
-// thread ends still finds them.
-constinit thread_local int tDepth = 0;
-constinit thread_local std::vector<Value>* tDeferred = nullptr;
+// thread ends still finds them. Every release of a Node or list holding a
+// container reads them: the initial-exec model spares the library a call to
+// find its thread-local block each time.
+#define MORVANE_FAST_TLS __attribute__((tls_model("initial-exec")))
+constinit thread_local int tDepth MORVANE_FAST_TLS = 0;
+constinit thread_local std::vector<Value>* tDeferred MORVANE_FAST_TLS = nullptr;
 } // namespace
 
 ReleaseScope::ReleaseScope() noexcept : outermost_(tDepth == 0), deep_(tDepth >= kDeepestRelease) {

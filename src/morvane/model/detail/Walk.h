@@ -24,6 +24,12 @@
 
 namespace morvane::detail {
 
+// True for a list that holds a Node or a list: the only lists a walk enters.
+inline bool isListOfContainers(const Value& value) {
+    const ListPtr& list = value.list();
+    return list && list->holdsContainers();
+}
+
 struct Level {
     const Node* node = nullptr;
     const List* list = nullptr;
@@ -43,6 +49,24 @@ struct Level {
         return &list->at(next++);
     }
 };
+
+// Like step, except that in a list it passes by every element that is not a
+// Node or a list holding one, in a tight loop: for the walks that only enter
+// containers, a geometry file's long lists of points cost little more than a
+// scan.
+inline const Value* stepToContainer(Level& level, std::string_view& key) noexcept {
+    if (level.node) return level.step(key);
+    const std::size_t size = level.list->size();
+    const Value* elements = level.list->begin();
+    while (level.next < size) {
+        const Value& element = elements[level.next++];
+        if (element.isNode() || isListOfContainers(element)) {
+            key = {};
+            return &element;
+        }
+    }
+    return nullptr;
+}
 
 inline Level levelOf(const Node& node) noexcept {
     return Level{&node, nullptr, 0};
@@ -74,6 +98,8 @@ struct TreeAccess {
         copy.indexSize_ = source.indexSize_;
     }
     static void rebuildIndex(Node& node) { node.rebuildIndex(); }
+    // A list's elements, for the model's builders and sorts.
+    static Values& items(List& list) { return list.items_; }
 };
 
 // A copy of a tree, built top down: a nested container's copy is added to
@@ -132,12 +158,36 @@ template <typename Rules, typename Context> class TreeCopy {
             }
             const bool inList = level.list != nullptr;
             if (!rules_.keeps(key, *value, inList)) continue;
-            if (const NodePtr& nested = value->node()) {
+            if (const NodePtr& nested = value->node(); nested && isFlat(*nested)) {
+                // Most Nodes of a tree hold nothing to go into: copied here.
+                Context context = rules_.childContext(level.context, key, level.next - 1, inList);
+                NodePtr copy = rules_.startNode(*nested);
+                for (const auto& [entryKey, entry] : *nested) {
+                    if (!rules_.keeps(entryKey, entry, false)) continue;
+                    if (const ListPtr& flat = entry.list())
+                        rules_.addEntry(*copy, entryKey, Value(flatCopy(*flat)));
+                    else
+                        rules_.addEntry(*copy, entryKey, entry);
+                }
+                rules_.finishNode(*nested, *copy, context);
+                if constexpr (requires { rules_.finishLevel(context); }) rules_.finishLevel(context);
+                if constexpr (Rules::kDropsEmpty) {
+                    if (inList && copy->empty()) continue;
+                }
+                add(level, key, Value(std::move(copy)));
+            } else if (nested) {
                 NodePtr copy = rules_.startNode(*nested);
                 Node* target = copy.get();
                 Context context = rules_.childContext(level.context, key, level.next - 1, inList);
                 add(level, key, Value(std::move(copy)));
                 stack_.push_back({levelOf(*nested), target, nullptr, std::move(context)});
+            } else if (const ListPtr& inner = value->list(); inner && !inner->holdsContainers()) {
+                // Nothing in it to go into: copied here, without a level.
+                ListPtr copy = flatCopy(*inner);
+                if constexpr (Rules::kDropsEmpty) {
+                    if (inList && copy->empty()) continue;
+                }
+                add(level, key, Value(std::move(copy)));
             } else if (const ListPtr& inner = value->list()) {
                 ListPtr copy = rules_.startList(*inner);
                 List* target = copy.get();
@@ -148,6 +198,21 @@ template <typename Rules, typename Context> class TreeCopy {
                 add(level, key, *value);
             }
         }
+    }
+
+    // A Node holding no Node and no list that holds one.
+    static bool isFlat(const Node& node) {
+        for (const auto& entry : node)
+            if (entry.second.isNode() || isListOfContainers(entry.second)) return false;
+        return true;
+    }
+
+    // The copy of a list that holds no Node or list.
+    ListPtr flatCopy(const List& source) {
+        ListPtr copy = rules_.startList(source);
+        for (const Value& element : source)
+            if (rules_.keeps({}, element, true)) copy->push(element);
+        return copy;
     }
 
     void finish() {
