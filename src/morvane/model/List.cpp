@@ -16,14 +16,12 @@ constexpr std::size_t kMaxElements = (std::size_t{1} << 29) - 1;
 
 // ---- Values ----------------------------------------------------------------
 
-namespace detail {
-
-Values::~Values() {
+List::Values::~Values() {
     clear();
     if (ownsBuffer_) ::operator delete(data_);
 }
 
-void Values::grow(std::size_t needed) {
+void List::Values::grow(std::size_t needed) {
     if (needed > kMaxElements) throw std::length_error("a list holds at most 2^29 - 1 elements");
     const std::size_t capacity =
         std::min(kMaxElements, std::max<std::size_t>({needed, std::size_t{2} * capacity_, 4}));
@@ -38,22 +36,22 @@ void Values::grow(std::size_t needed) {
     ownsBuffer_ = 1;
 }
 
-void Values::reserve(std::size_t count) {
+void List::Values::reserve(std::size_t count) {
     if (count > capacity_) grow(count);
 }
 
-Values::iterator Values::insert(const_iterator position, Value value) {
+List::Values::iterator List::Values::insert(const_iterator position, Value value) {
     const std::size_t at = static_cast<std::size_t>(position - data_);
     emplace_back(std::move(value));
     std::rotate(data_ + at, data_ + size_ - 1, data_ + size_);
     return data_ + at;
 }
 
-Values::iterator Values::erase(const_iterator position) {
+List::Values::iterator List::Values::erase(const_iterator position) {
     return erase(position, position + 1);
 }
 
-Values::iterator Values::erase(const_iterator first, const_iterator last) {
+List::Values::iterator List::Values::erase(const_iterator first, const_iterator last) {
     Value* from = data_ + (first - data_);
     if (first == last) return from;
     Value* end = std::move(data_ + (last - data_), data_ + size_, from);
@@ -62,12 +60,10 @@ Values::iterator Values::erase(const_iterator first, const_iterator last) {
     return from;
 }
 
-void Values::clear() noexcept {
+void List::Values::clear() noexcept {
     std::destroy(data_, data_ + size_);
     size_ = 0;
 }
-
-} // namespace detail
 
 // ---- List ------------------------------------------------------------------
 

@@ -83,7 +83,7 @@ void List::copyAll(const ListPtr& list) {
     if (!list || readOnly_) return;
     // Copy first: the list may be this list.
     // Room first: the list may be this list, whose elements then stay put.
-    const detail::Values& added = list->items_;
+    const Values& added = list->items_;
     const std::size_t count = added.size();
     items_.reserve(items_.size() + count);
     items_.append(added.begin(), added.begin() + count);

@@ -99,7 +99,7 @@ struct TreeAccess {
     }
     static void rebuildIndex(Node& node) { node.rebuildIndex(); }
     // A list's elements, for the model's builders and sorts.
-    static Values& items(List& list) { return list.items_; }
+    static auto& items(List& list) { return list.items_; }
 };
 
 // A copy of a tree, built top down: a nested container's copy is added to
