@@ -324,15 +324,21 @@ int main() {
         // slabs of blocks). A single text of the same length, read first,
         // lets the reader set up its parser buffers (which it keeps for small
         // texts and which belong to the reader, not the tree) without making
-        // any tree blocks. Like the general heap's own spare memory, the part
-        // of the last slab that holds no block yet is not counted.
+        // any tree blocks. The slabs the pool carves its blocks from are not
+        // counted as such: the tree's pooled blocks are, each at the size the
+        // pool carves it (the pool may hand this thread blocks freed earlier
+        // elsewhere, which the heap would not see again).
         Value rootValue;
         long long treeBytes = 0;
         std::thread([&] {
             keep(json::parse("\"" + std::string(text.size() - 2, 'x') + "\""));
             const long long start = gHeapBytes.load();
+            const long long slabStart = static_cast<long long>(detail::slabBytes());
+            const long long blockStart = detail::threadBlockBytes();
             rootValue = json::parse(text);
-            treeBytes = gHeapBytes.load() - start - static_cast<long long>(detail::uncarvedBytes());
+            treeBytes = gHeapBytes.load() - start -
+                        (static_cast<long long>(detail::slabBytes()) - slabStart) +
+                        (detail::threadBlockBytes() - blockStart);
         }).join();
         long long before = gHeapBytes.load();
         njson doc = njson::parse(text);

@@ -15,7 +15,7 @@ using namespace morvane;
 namespace {
 
 void referenceExchangeSort(List& list, std::string_view key, bool ascend) {
-    auto& items = list.items();
+    const List& items = list;
     for (std::size_t i = 0; i + 1 < items.size(); ++i) {
         for (std::size_t j = i + 1; j < items.size(); ++j) {
             const NodePtr &a = items[i].node(), &b = items[j].node();
@@ -23,7 +23,11 @@ void referenceExchangeSort(List& list, std::string_view key, bool ascend) {
             const Value va = a->valLikeKey(key), vb = b->valLikeKey(key);
             if (!va || !vb) continue;
             const int relation = detail::compareText(va.textOr(), vb.textOr());
-            if (ascend ? relation > 0 : relation < 0) std::swap(items[i], items[j]);
+            if (ascend ? relation > 0 : relation < 0) {
+                const Value first = items[i];
+                list.replace(i, items[j]);
+                list.replace(j, first);
+            }
         }
     }
 }

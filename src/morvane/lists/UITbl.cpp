@@ -182,7 +182,7 @@ bool UITbl::hasFld(const ListPtr& list, std::string_view key) const {
 
 void UITbl::sortArray(const ListPtr& list, std::string_view key, bool ascend) const {
     if (!list || list->size() < 2 || list->isReadOnly()) return;
-    Values& items = list->items();
+    const List& items = *list;
     // The values never change while the rows move, so each row is searched once.
     std::vector<Value> found(items.size());
     detail::SortKeys keys(items.size());
@@ -196,8 +196,10 @@ void UITbl::sortArray(const ListPtr& list, std::string_view key, bool ascend) co
     std::vector<Value> sorted;
     sorted.reserve(items.size());
     for (std::size_t index : order)
-        sorted.push_back(std::move(items[index]));
-    items.assign(std::move(sorted));
+        sorted.push_back(items[index]);
+    list->clear();
+    for (Value& row : sorted)
+        list->push(std::move(row));
 }
 
 void UITbl::swap(long i, long j) {

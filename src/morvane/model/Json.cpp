@@ -80,7 +80,7 @@ class TreeBuilder {
         const std::size_t start = values_.size() - count;
         ListPtr list = List::withCapacity(count);
         for (std::size_t i = start; i < values_.size(); ++i)
-            list->items().push_back(std::move(values_[i]));
+            list->push(std::move(values_[i]));
         values_.resize(start);
         list->setReadOnly(readOnly_);
         --depth_;
@@ -164,7 +164,7 @@ class FastConverter {
             const auto array = element.get_array().value_unsafe();
             ListPtr list = List::withCapacity(array.size());
             for (const auto item : array)
-                list->items().push_back(convert(item));
+                list->push(convert(item));
             list->setReadOnly(readOnly_);
             return Value(std::move(list));
         }
@@ -398,7 +398,7 @@ class Writer {
                 out_ += pretty_ ? ": " : ":";
                 writeValue(value); // may push, invalidating frame
             } else {
-                const auto& items = frame.list->items();
+                const List& items = *frame.list;
                 if (frame.index == items.size()) {
                     close(']');
                     continue;

@@ -1,5 +1,7 @@
 #include <morvane/model/List.h>
 #include <morvane/model/detail/BlockPool.h>
+#include <morvane/model/detail/Release.h>
+#include <morvane/model/detail/Walk.h>
 
 #include <algorithm>
 #include <new>
@@ -14,80 +16,51 @@ constexpr std::size_t kMaxElements = (std::size_t{1} << 29) - 1;
 
 // ---- Values ----------------------------------------------------------------
 
-namespace detail {
-// Starts at 1, so that a Value that never vouched (epoch 0) never matches.
-std::atomic<std::uint64_t> gListShapeEpoch{1};
-} // namespace detail
-
-void Values::moveEpoch() noexcept {
-    detail::gListShapeEpoch.fetch_add(1, std::memory_order_relaxed);
-}
-
-bool Values::vouch(bool alone) const noexcept {
-    const std::uint32_t now = state();
-    if ((now & kLent) || size_ > kLargestVouched) return false;
-    for (std::uint32_t i = 0; i < size_; ++i)
-        if (data_[i].isNode() || data_[i].isList()) return false;
-    if (now & kVouched) return true;
-    // A list just built (by the reader or a copy) is seen by nobody else yet:
-    // a plain store spares it a locked instruction.
-    if (alone)
-        state_.store(now | kVouched, std::memory_order_relaxed);
-    else
-        state_.fetch_or(kVouched, std::memory_order_relaxed);
-    return true;
-}
-
-Values::~Values() {
+List::Values::~Values() {
     clear();
-    if (ownsBuffer()) ::operator delete(data_);
+    if (ownsBuffer_) ::operator delete(data_);
 }
 
-void Values::grow(std::size_t needed) {
+void List::Values::grow(std::size_t needed) {
     if (needed > kMaxElements) throw std::length_error("a list holds at most 2^29 - 1 elements");
     const std::size_t capacity =
-        std::min(kMaxElements, std::max<std::size_t>({needed, std::size_t{2} * this->capacity(), 4}));
+        std::min(kMaxElements, std::max<std::size_t>({needed, std::size_t{2} * capacity_, 4}));
     auto* buffer = static_cast<Value*>(::operator new(capacity * sizeof(Value)));
     for (std::uint32_t i = 0; i < size_; ++i) {
         std::construct_at(buffer + i, std::move(data_[i]));
         std::destroy_at(data_ + i);
     }
-    if (ownsBuffer()) ::operator delete(data_);
+    if (ownsBuffer_) ::operator delete(data_);
     data_ = buffer;
-    const std::uint32_t flags = state() & (kLent | kVouched);
-    state_.store(static_cast<std::uint32_t>(capacity) | kOwnsBuffer | flags, std::memory_order_relaxed);
+    capacity_ = static_cast<std::uint32_t>(capacity);
+    ownsBuffer_ = 1;
 }
 
-void Values::reserve(std::size_t count) {
-    if (count > capacity()) grow(count);
+void List::Values::reserve(std::size_t count) {
+    if (count > capacity_) grow(count);
 }
 
-Values::iterator Values::insert(const_iterator position, Value value) {
+List::Values::iterator List::Values::insert(const_iterator position, Value value) {
     const std::size_t at = static_cast<std::size_t>(position - data_);
     emplace_back(std::move(value));
     std::rotate(data_ + at, data_ + size_ - 1, data_ + size_);
-    return data() + at;
+    return data_ + at;
 }
 
-Values::iterator Values::erase(const_iterator position) {
+List::Values::iterator List::Values::erase(const_iterator position) {
     return erase(position, position + 1);
 }
 
-Values::iterator Values::erase(const_iterator first, const_iterator last) {
-    Value* at = eraseRange(data_ + (first - data_), data_ + (last - data_));
-    lend(); // the iterator handed back can change elements
-    return at;
-}
-
-Value* Values::eraseRange(Value* first, Value* last) noexcept {
-    if (first == last) return first;
-    Value* end = std::move(last, data_ + size_, first);
+List::Values::iterator List::Values::erase(const_iterator first, const_iterator last) {
+    Value* from = data_ + (first - data_);
+    if (first == last) return from;
+    Value* end = std::move(data_ + (last - data_), data_ + size_, from);
     std::destroy(end, data_ + size_);
     size_ = static_cast<std::uint32_t>(end - data_);
-    return first;
+    return from;
 }
 
-void Values::clear() noexcept {
+void List::Values::clear() noexcept {
     std::destroy(data_, data_ + size_);
     size_ = 0;
 }
@@ -112,8 +85,7 @@ List* List::allocate(std::size_t count) {
     count = std::min(count, kMaxElements);
     void* block = detail::allocateBlock(sizeof(List) + count * sizeof(Value));
     List* list = ::new (block) List();
-    list->items_.data_ = reinterpret_cast<Value*>(static_cast<char*>(block) + sizeof(List));
-    list->items_.state_.store(static_cast<std::uint32_t>(count), std::memory_order_relaxed);
+    list->items_.adoptStorage(reinterpret_cast<Value*>(static_cast<char*>(block) + sizeof(List)), count);
     list->inlineCapacity_ = static_cast<std::uint32_t>(count);
     return list;
 }
@@ -121,7 +93,18 @@ List* List::allocate(std::size_t count) {
 void List::destroy(const List* list) noexcept {
     List* owned = const_cast<List*>(list);
     const std::size_t size = sizeof(List) + owned->inlineCapacity_ * sizeof(Value);
-    owned->~List();
+    if (!owned->holdsContainers()) { // nothing can nest below it
+        owned->~List();
+        detail::freeBlock(owned, size);
+        return;
+    }
+    {
+        detail::ReleaseScope scope;
+        if (scope.deep())
+            for (std::uint32_t i = 0; i < owned->items_.size_; ++i)
+                scope.defer(owned->items_.data_[i]);
+        owned->~List(); // inside the scope
+    }
     detail::freeBlock(owned, size);
 }
 
@@ -192,11 +175,7 @@ ListPtr List::shallowCopy() const {
 }
 
 bool List::equals(const List& other) const {
-    if (this == &other) return true;
-    if (size() != other.size()) return false;
-    for (std::size_t i = 0; i < items_.size(); ++i)
-        if (!(items_[i] == other.items_[i])) return false;
-    return true;
+    return detail::equalLists(*this, other);
 }
 
 } // namespace morvane

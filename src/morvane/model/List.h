@@ -21,147 +21,94 @@
 namespace morvane {
 
 namespace detail {
-// Counts the changes that may have given a Node or list to a list that a
-// Value had found holding none (see Value::listMayHoldContainers).
-extern std::atomic<std::uint64_t> gListShapeEpoch;
-inline std::uint64_t listShapeEpoch() noexcept {
-    return gListShapeEpoch.load(std::memory_order_relaxed);
+struct TreeAccess;
 }
-} // namespace detail
-
-// The elements of a list: a growable array of Values, much like a
-// std::vector<Value> (its iterators are plain pointers). A list made for a
-// known number of elements keeps them inside its own allocation, so a small
-// list (a point's two coordinates) is one block; it moves to a buffer of its
-// own only when it grows past that.
-//
-// The elements also tell whether they can be known to hold no Node or list.
-// A Value made from a small list of numbers and texts remembers that it found
-// none (with the current count of detail::gListShapeEpoch), and the tree
-// walks then pass the list by without reading it. So every way a container
-// can get into such a list moves the count on: adding one, and handing out
-// access that could change an element (after which the list is never
-// vouched for again).
-class Values {
-  public:
-    using value_type = Value;
-    using size_type = std::size_t;
-    using iterator = Value*;
-    using const_iterator = const Value*;
-    using reference = Value&;
-    using const_reference = const Value&;
-
-    Values() noexcept = default;
-    Values(const Values&) = delete;
-    Values& operator=(const Values&) = delete;
-    ~Values();
-
-    std::size_t size() const noexcept { return size_; }
-    bool empty() const noexcept { return size_ == 0; }
-    std::size_t capacity() const noexcept { return state() & kCapacity; }
-    const Value* data() const noexcept { return data_; }
-    const_iterator begin() const noexcept { return data_; }
-    const_iterator end() const noexcept { return data_ + size_; }
-    const Value& operator[](std::size_t i) const noexcept { return data_[i]; }
-    const Value& front() const noexcept { return data_[0]; }
-    const Value& back() const noexcept { return data_[size_ - 1]; }
-    // Access that can change the elements.
-    Value* data() noexcept {
-        lend();
-        return data_;
-    }
-    iterator begin() noexcept { return data(); }
-    iterator end() noexcept { return data() + size_; }
-    Value& operator[](std::size_t i) noexcept { return data()[i]; }
-    Value& front() noexcept { return data()[0]; }
-    Value& back() noexcept { return data()[size_ - 1]; }
-
-    void reserve(std::size_t count);
-    void push_back(const Value& value) { emplace_back(value); }
-    void push_back(Value&& value) { emplace_back(std::move(value)); }
-    template <typename... Args> void emplace_back(Args&&... args) {
-        if (size_ == capacity()) grow(size_ + 1);
-        const Value* added = std::construct_at(data_ + size_, std::forward<Args>(args)...);
-        ++size_;
-        if (added->isNode() || added->isList()) gained();
-    }
-    void pop_back() noexcept { std::destroy_at(data_ + --size_); }
-    iterator insert(const_iterator position, Value value);
-    iterator erase(const_iterator position);
-    iterator erase(const_iterator first, const_iterator last);
-    void clear() noexcept;
-    // Appends copies of a range (its values, through move iterators). The
-    // range must not lie in these elements unless room was reserved first.
-    template <typename Iterator> void append(Iterator first, Iterator last) {
-        reserve(size_ + static_cast<std::size_t>(std::distance(first, last)));
-        for (; first != last; ++first)
-            emplace_back(*first);
-    }
-    // Replaces the contents with the given values, in order.
-    void assign(std::vector<Value>&& values) {
-        clear();
-        append(std::make_move_iterator(values.begin()), std::make_move_iterator(values.end()));
-    }
-    // Removes the elements `remove` holds true for, keeping the order of the
-    // rest; returns how many went.
-    template <typename Predicate> std::size_t eraseIf(Predicate remove) {
-        Value* first = data_;
-        Value* last = data_ + size_;
-        Value* kept = std::remove_if(first, last, remove);
-        const std::size_t removed = static_cast<std::size_t>(last - kept);
-        eraseRange(kept, last);
-        return removed;
-    }
-
-  private:
-    friend class List;
-    friend class Value;
-
-    static constexpr std::uint32_t kCapacity = (std::uint32_t{1} << 29) - 1;
-    // The elements live in a buffer of their own (not in the owner's block).
-    static constexpr std::uint32_t kOwnsBuffer = std::uint32_t{1} << 29;
-    // Access that could change an element was handed out.
-    static constexpr std::uint32_t kLent = std::uint32_t{1} << 30;
-    // A Value has found this list holding no Node or list.
-    static constexpr std::uint32_t kVouched = std::uint32_t{1} << 31;
-    // Lists up to this size are looked at for vouching; a longer scan would
-    // cost more than it can save.
-    static constexpr std::size_t kLargestVouched = 16;
-
-    // Storage for `capacity` elements that the owner provides (and frees).
-    Values(Value* storage, std::size_t capacity) noexcept
-        : data_(storage), state_(static_cast<std::uint32_t>(capacity)) {}
-
-    std::uint32_t state() const noexcept { return state_.load(std::memory_order_relaxed); }
-    bool ownsBuffer() const noexcept { return state() & kOwnsBuffer; }
-    void grow(std::size_t needed);
-    Value* eraseRange(Value* first, Value* last) noexcept;
-    void lend() noexcept {
-        const std::uint32_t now = state();
-        if (now & kLent) return;
-        state_.fetch_or(kLent, std::memory_order_relaxed);
-        if (now & kVouched) moveEpoch();
-    }
-    void gained() noexcept {
-        if (state() & kVouched) moveEpoch();
-    }
-    static void moveEpoch() noexcept;
-    // True (and remembered) when the elements hold no Node or list and
-    // nothing that could change them was handed out. `alone`: the caller
-    // holds the only reference, so no other thread can touch the flags.
-    bool vouch(bool alone) const noexcept;
-
-    Value* data_ = nullptr;
-    std::uint32_t size_ = 0;
-    // Capacity and the flags above. Atomic because vouching sets a flag from
-    // read-only code, which may run on several threads at once.
-    mutable std::atomic<std::uint32_t> state_{0};
-};
 
 class List : public RefCounted {
+  private:
+    // The elements: a growable array of Values, much like a
+    // std::vector<Value> (its iterators are plain pointers). A list made for
+    // a known number of elements keeps them inside its own block, so a small
+    // list (a point's two coordinates) is one allocation; it moves to a
+    // buffer of its own only when it grows past that. Only List and the
+    // model's own builders and sorts touch it.
+    class Values {
+      public:
+        using value_type = Value;
+        using size_type = std::size_t;
+        using iterator = Value*;
+        using const_iterator = const Value*;
+        using reference = Value&;
+        using const_reference = const Value&;
+
+        Values() noexcept = default;
+        Values(const Values&) = delete;
+        Values& operator=(const Values&) = delete;
+        ~Values();
+
+        std::size_t size() const noexcept { return size_; }
+        bool empty() const noexcept { return size_ == 0; }
+        std::size_t capacity() const noexcept { return capacity_; }
+        const_iterator begin() const noexcept { return data_; }
+        const_iterator end() const noexcept { return data_ + size_; }
+        iterator begin() noexcept { return data_; }
+        iterator end() noexcept { return data_ + size_; }
+        const Value& operator[](std::size_t i) const noexcept { return data_[i]; }
+        Value& operator[](std::size_t i) noexcept { return data_[i]; }
+
+        void reserve(std::size_t count);
+        void push_back(const Value& value) { emplace_back(value); }
+        void push_back(Value&& value) { emplace_back(std::move(value)); }
+        template <typename... Args> void emplace_back(Args&&... args) {
+            if (size_ == capacity_) grow(size_ + 1);
+            std::construct_at(data_ + size_, std::forward<Args>(args)...);
+            ++size_;
+        }
+        iterator insert(const_iterator position, Value value);
+        iterator erase(const_iterator position);
+        iterator erase(const_iterator first, const_iterator last);
+        void clear() noexcept;
+        // Appends copies of a range (its values, through move iterators). The
+        // range must not lie in these elements unless room was reserved first.
+        template <typename Iterator> void append(Iterator first, Iterator last) {
+            reserve(size_ + static_cast<std::size_t>(std::distance(first, last)));
+            for (; first != last; ++first)
+                emplace_back(*first);
+        }
+        // Replaces the contents with the given values, in order.
+        void assign(std::vector<Value>&& values) {
+            clear();
+            append(std::make_move_iterator(values.begin()), std::make_move_iterator(values.end()));
+        }
+        // Removes the elements `remove` holds true for, keeping the order of the
+        // rest; returns how many went.
+        template <typename Predicate> std::size_t eraseIf(Predicate remove) {
+            Value* last = data_ + size_;
+            Value* kept = std::remove_if(data_, last, remove);
+            const std::size_t removed = static_cast<std::size_t>(last - kept);
+            erase(kept, last);
+            return removed;
+        }
+
+      private:
+        friend class List;
+
+        // Storage for `capacity` elements that the owner provides (and frees).
+        void adoptStorage(Value* storage, std::size_t capacity) noexcept {
+            data_ = storage;
+            capacity_ = static_cast<std::uint32_t>(capacity);
+        }
+        void grow(std::size_t needed);
+
+        Value* data_ = nullptr;
+        std::uint32_t size_ = 0;
+        std::uint32_t capacity_ : 31 = 0;
+        // The elements live in a buffer of their own (not in the owner's block).
+        std::uint32_t ownsBuffer_ : 1 = 0;
+    };
+
   public:
-    using iterator = Values::iterator;
-    using const_iterator = Values::const_iterator;
+    using const_iterator = const Value*;
 
     List() = default;
     List(std::initializer_list<Value> items);
@@ -178,10 +125,11 @@ class List : public RefCounted {
     std::size_t size() const { return items_.size(); }
     bool empty() const { return items_.empty(); }
     // True if some element is a Node or a list. The tree walks ask it before
-    // entering a list: most lists of a geometry file hold only numbers.
+    // entering a list: most lists of a geometry file hold only numbers. (A
+    // short list's elements share the cache line of its header, so the walk
+    // that asks has already paid for reading them.)
     bool holdsContainers() const {
-        const Values& elements = items_;
-        return std::any_of(elements.begin(), elements.end(),
+        return std::any_of(items_.begin(), items_.end(),
                            [](const Value& element) { return element.isNode() || element.isList(); });
     }
     // The element at a position; the absent value past the end.
@@ -189,9 +137,6 @@ class List : public RefCounted {
     const Value& operator[](std::size_t index) const { return at(index); }
     const_iterator begin() const { return items_.begin(); }
     const_iterator end() const { return items_.end(); }
-    // Direct access for the list's own operations and for builders.
-    Values& items() { return items_; }
-    const Values& items() const { return items_; }
 
     // The changing operations return false and change nothing on a read-only list.
     bool push(Value value);
@@ -325,7 +270,8 @@ class List : public RefCounted {
 
   private:
     friend void refRelease(const List* list) noexcept;
-    friend class Value;
+    // The model's own builders and sorts fill and reorder lists directly.
+    friend struct detail::TreeAccess;
     // A list with room for `count` elements after the object itself.
     static List* allocate(std::size_t count);
     static void destroy(const List* list) noexcept;
@@ -338,11 +284,5 @@ class List : public RefCounted {
     std::uint32_t inlineCapacity_ : 31 = 0;
     Values items_;
 };
-
-inline bool Value::listMayHoldContainers() const noexcept {
-    if (tag_.kind != Kind::List) return false;
-    if ((tag_.flags & kVouchedList) && tag_.epoch() == (detail::listShapeEpoch() & kEpochMask)) return false;
-    return payload_.list->holdsContainers();
-}
 
 } // namespace morvane

@@ -15,15 +15,9 @@ NodePtr List::contentsearch(const NodePtr& node, std::string_view field, std::st
 }
 
 NodePtr List::arraySearch(std::string_view field, std::string_view c) const {
-    for (const Value& element : items_) {
-        NodePtr found;
-        if (const NodePtr& node = element.node())
-            found = contentsearch(node, field, c);
-        else if (const ListPtr& inner = element.list(); element.listMayHoldContainers())
-            found = inner->arraySearch(field, c);
-        if (found) return found;
-    }
-    return nullptr;
+    // contentsearch of each Node element, nested lists in turn, is the
+    // content search over this list (the receiver Node is not read).
+    return Node().searchArrayContent(self(), field, c);
 }
 
 } // namespace morvane

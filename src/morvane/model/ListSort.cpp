@@ -13,8 +13,8 @@ namespace {
 
 // Exchange sort over `items` by the texts `textOf` gives. `onSwap` may
 // replace the element that moves to the later position.
-template <typename TextOf, typename OnSwap>
-void exchangeSort(Values& items, bool ascend, TextOf textOf, OnSwap onSwap) {
+template <typename Items, typename TextOf, typename OnSwap>
+void exchangeSort(Items& items, bool ascend, TextOf textOf, OnSwap onSwap) {
     if (items.size() < 2) return;
     for (std::size_t i = 0; i + 1 < items.size(); ++i) {
         for (std::size_t j = i + 1; j < items.size(); ++j) {

@@ -1,5 +1,7 @@
 #include <morvane/model/Node.h>
 #include <morvane/model/detail/BlockPool.h>
+#include <morvane/model/detail/Release.h>
+#include <morvane/model/detail/Walk.h>
 
 #include <algorithm>
 #include <bit>
@@ -39,6 +41,18 @@ Node::Node(std::initializer_list<Entry> entries) {
     reserve(entries.size());
     for (const auto& [key, value] : entries)
         set(key, value);
+}
+
+Node::~Node() {
+    // Most Nodes of a tree hold no Node or list: nothing can nest below them.
+    if (std::none_of(entries_.begin(), entries_.end(),
+                     [](const Entry& entry) { return entry.second.isNode() || entry.second.isList(); }))
+        return;
+    detail::ReleaseScope scope;
+    if (scope.deep())
+        for (Entry& entry : entries_)
+            scope.defer(entry.second);
+    entries_.clear(); // inside the scope
 }
 
 std::size_t Node::indexOf(std::string_view key) const {
@@ -148,12 +162,7 @@ NodePtr Node::shallowCopy() const {
 }
 
 bool Node::equals(const Node& other) const {
-    if (this == &other) return true;
-    if (size() != other.size()) return false;
-    for (const auto& [key, value] : entries_) {
-        if (!(value == other.get(key))) return false;
-    }
-    return true;
+    return detail::equalNodes(*this, other);
 }
 
 } // namespace morvane

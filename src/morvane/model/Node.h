@@ -22,6 +22,10 @@
 
 namespace morvane {
 
+namespace detail {
+struct TreeAccess;
+}
+
 class Node : public RefCounted {
   public:
     using Entry = std::pair<std::string, Value>;
@@ -29,6 +33,9 @@ class Node : public RefCounted {
 
     Node() = default;
     Node(std::initializer_list<Entry> entries);
+    // Releases what the Node held without nesting a destructor per level of
+    // the tree (see detail/Release.h).
+    ~Node();
 
     // Nodes come from the pool of tree blocks (see detail/BlockPool.h).
     static void* operator new(std::size_t size);
@@ -88,7 +95,9 @@ class Node : public RefCounted {
     //   lowercased texts; "like" means the first text, lowercased, contains the
     //   second, lowercased (an empty second text is in no text).
     // - Walks go depth first in iteration (insertion) order and stop at the
-    //   first hit. They recurse; the JSON reader caps nesting at 512 levels.
+    //   first hit. They keep their own stack, so a tree of any depth can be
+    //   walked, copied, compared and released (the JSON reader caps nesting
+    //   at 512 levels; an application can build deeper trees itself).
     // - Operations that change a tree in place leave read-only Nodes and lists
     //   unchanged (their set/remove refuse); copies are always mutable.
     // - An operation that returns "the receiver itself" returns the shared
@@ -275,6 +284,9 @@ class Node : public RefCounted {
     ListPtr deepCopyArray(const ListPtr& list) const;
 
   private:
+    // The copies built level by level (detail/Walk.h) fill Nodes directly.
+    friend struct detail::TreeAccess;
+
     // The shared Node, or a shallow copy when nobody shares this Node.
     NodePtr self() const;
 

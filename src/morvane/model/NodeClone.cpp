@@ -5,43 +5,46 @@
 #include <morvane/model/List.h>
 #include <morvane/model/Node.h>
 
+#include <morvane/model/detail/Walk.h>
+
 #include <algorithm>
 
 namespace morvane {
 
+namespace {
+// Every entry and element is kept at its position, so a copied Node's key
+// index is the source's: copying it beats hashing every key of a large Node
+// again, and the entries are then appended without touching it.
+struct DeepCopyRules {
+    static constexpr bool kDropsEmpty = false;
+
+    bool keeps(std::string_view, const Value&, bool) const { return true; }
+    NodePtr startNode(const Node& source) const {
+        NodePtr copy = Node::make();
+        copy->reserve(source.size());
+        detail::TreeAccess::copyIndex(source, *copy);
+        return copy;
+    }
+    ListPtr startList(const List& source) const { return List::withCapacity(source.size()); }
+    void addEntry(Node& copy, std::string_view key, Value value) const {
+        detail::TreeAccess::appendRaw(copy, key, std::move(value));
+    }
+    void finishNode(const Node&, Node&, detail::NoContext) const {}
+    detail::NoContext childContext(detail::NoContext, std::string_view, std::size_t, bool) const {
+        return {};
+    }
+};
+} // namespace
+
 NodePtr Node::deepCopyDictionary() const {
-    NodePtr copy = Node::make();
-    copy->entries_.reserve(entries_.size());
-    for (const auto& [key, value] : entries_) {
-        if (const NodePtr& nested = value.node())
-            copy->entries_.emplace_back(key, Value(nested->deepCopyDictionary()));
-        else if (const ListPtr& list = value.list())
-            copy->entries_.emplace_back(key, Value(deepCopyArray(list)));
-        else
-            copy->entries_.emplace_back(key, value);
-    }
-    // Every entry is kept at its position, so the key index is the same one:
-    // copying it beats hashing every key of a large Node again.
-    if (indexSize_ != 0) {
-        copy->index_ = std::make_unique_for_overwrite<std::uint32_t[]>(indexSize_);
-        std::copy_n(index_.get(), indexSize_, copy->index_.get());
-        copy->indexSize_ = indexSize_;
-    }
-    return copy;
+    DeepCopyRules rules;
+    return detail::TreeCopy<DeepCopyRules, detail::NoContext>(rules).node(*this, {});
 }
 
 ListPtr Node::deepCopyArray(const ListPtr& list) const {
     if (!list) return List::make();
-    ListPtr copy = List::withCapacity(list->size());
-    for (const Value& element : *list) {
-        if (const NodePtr& nested = element.node())
-            copy->items().emplace_back(nested->deepCopyDictionary());
-        else if (const ListPtr& inner = element.list())
-            copy->items().emplace_back(deepCopyArray(inner));
-        else
-            copy->items().push_back(element);
-    }
-    return copy;
+    DeepCopyRules rules;
+    return detail::TreeCopy<DeepCopyRules, detail::NoContext>(rules).list(*list, {});
 }
 
 } // namespace morvane

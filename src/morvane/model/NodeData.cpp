@@ -5,6 +5,7 @@
 #include <morvane/model/List.h>
 #include <morvane/model/Node.h>
 #include <morvane/model/detail/Text.h>
+#include <morvane/model/detail/Walk.h>
 
 #include <algorithm>
 
@@ -14,9 +15,9 @@ using detail::compareText;
 
 namespace {
 
-const Values& itemsOf(const ListPtr& list) {
-    static const Values none;
-    return list ? list->items() : none;
+const List& itemsOf(const ListPtr& list) {
+    static const List none;
+    return list ? *list : none;
 }
 
 // The shared rule of the insertion sorts: ascending, the first element that
@@ -175,14 +176,29 @@ NodePtr Node::copyObjExclude(const Value& keys) const {
 }
 
 void Node::tagChildWithKey(std::string_view key, const Value& val) {
-    const bool leaf = std::all_of(entries_.begin(), entries_.end(),
-                                  [](const Entry& entry) { return entry.second.isText(); });
-    if (leaf) {
+    auto isLeaf = [](const Node& node) {
+        return std::all_of(node.entries_.begin(), node.entries_.end(),
+                           [](const Entry& entry) { return entry.second.isText(); });
+    };
+    // Depth first with a stack of its own; only Nodes are entered, and a
+    // leaf's new entry is a text, so the levels below stay as they were.
+    if (isLeaf(*this)) {
         set(key, val);
         return;
     }
-    for (const auto& [childKey, value] : entries_)
-        if (value.isNode()) value.node()->tagChildWithKey(key, val);
+    std::vector<detail::Level> stack{detail::levelOf(*this)};
+    while (!stack.empty()) {
+        std::string_view childKey;
+        const Value* value = stack.back().step(childKey);
+        if (!value) {
+            stack.pop_back();
+        } else if (const NodePtr& nested = value->node()) {
+            if (isLeaf(*nested))
+                nested->set(key, val);
+            else
+                stack.push_back(detail::levelOf(*nested));
+        }
+    }
 }
 
 std::string Node::asmKey(const ListPtr& keys) const {
@@ -211,11 +227,16 @@ bool Node::containsTxt() const {
 }
 
 namespace {
-void collectDumpLines(const Node& node, std::string_view separator, std::vector<Value>& lines) {
-    for (const auto& [key, value] : node) {
-        if (value.isNode()) {
-            collectDumpLines(*value.node(), separator, lines);
-        } else if (const std::string* text = value.text(); text && detail::containsText(key, separator)) {
+void collectDumpLines(const Node& root, std::string_view separator, std::vector<Value>& lines) {
+    std::vector<detail::Level> stack{detail::levelOf(root)};
+    while (!stack.empty()) {
+        std::string_view key;
+        const Value* value = stack.back().step(key);
+        if (!value) {
+            stack.pop_back();
+        } else if (value->isNode()) {
+            stack.push_back(detail::levelOf(*value->node()));
+        } else if (const std::string* text = value->text(); text && detail::containsText(key, separator)) {
             const auto pieces = detail::splitText(key, separator);
             std::string line(pieces[1]);
             line += " = ";

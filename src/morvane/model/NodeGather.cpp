@@ -5,28 +5,69 @@
 #include <morvane/model/List.h>
 #include <morvane/model/Node.h>
 #include <morvane/model/detail/Gather.h>
+#include <morvane/model/detail/Walk.h>
 
 #include <charconv>
 #include <cmath>
 #include <limits>
+#include <vector>
 
 namespace morvane {
 
 namespace detail {
 
-void gatherNode(const Node& node, const GatherQuery& query, std::string& out) {
-    if (query.ownValueFirst) {
-        if (const std::string* own = node.get(query.key).text()) {
-            out += query.front;
-            out += *own;
+namespace {
+
+// Pieces are gathered straight into `out`. Between the elements of a list a
+// separator is put down before an element that may give a piece, and taken
+// back when the element gave none; a list level keeps the sizes for that.
+struct GatherLevel : Level {
+    std::size_t start = 0;      // size of `out` when the list was entered
+    std::size_t before = 0;     // before the current element's separator
+    std::size_t pieceStart = 0; // after it
+};
+
+void gather(const Node* root, const List* rootList, const GatherQuery& query, std::string& out) {
+    std::vector<GatherLevel> stack;
+    auto enterNode = [&](const Node& node) {
+        if (query.ownValueFirst) {
+            if (const std::string* own = node.get(query.key).text()) {
+                out += query.front;
+                out += *own;
+            }
         }
-    }
-    for (const auto& [key, value] : node) {
-        if (const NodePtr& nested = value.node()) {
-            gatherNode(*nested, query, out);
-        } else if (const ListPtr& list = value.list(); value.listMayHoldContainers()) {
-            gatherList(*list, query, out);
-        } else if (const std::string* text = value.text()) {
+        stack.push_back({levelOf(node)});
+    };
+    auto enterList = [&](const List& list) { stack.push_back({levelOf(list), out.size()}); };
+    if (root)
+        enterNode(*root);
+    else
+        enterList(*rootList);
+    while (!stack.empty()) {
+        GatherLevel& level = stack.back();
+        std::string_view key;
+        const Value* value = stepToContainer(level, key);
+        if (!value) {
+            stack.pop_back();
+            if (!stack.empty() && stack.back().list && out.size() == stack.back().pieceStart)
+                out.resize(stack.back().before);
+            continue;
+        }
+        if (level.list) {
+            // Only Nodes and lists that hold containers can give a piece.
+            if (!value->isNode() && !detail::isListOfContainers(*value)) continue;
+            level.before = out.size();
+            if (level.before > level.start) out += query.back;
+            level.pieceStart = out.size();
+            if (value->isNode())
+                enterNode(*value->node());
+            else
+                enterList(*value->list());
+        } else if (const NodePtr& nested = value->node()) {
+            enterNode(*nested);
+        } else if (detail::isListOfContainers(*value)) {
+            enterList(*value->list());
+        } else if (const std::string* text = value->text()) {
             if (!query.ownValueFirst && key == query.key) {
                 out += query.front;
                 out += *text;
@@ -35,47 +76,48 @@ void gatherNode(const Node& node, const GatherQuery& query, std::string& out) {
     }
 }
 
-void gatherList(const List& list, const GatherQuery& query, std::string& out) {
-    // Pieces are gathered straight into `out`; a separator put down before an
-    // element that turns out empty is taken back.
-    const std::size_t start = out.size();
-    for (const Value& element : list) {
-        // Only Nodes and lists that hold containers can give a piece.
-        if (!element.isNode() && !element.listMayHoldContainers()) continue;
-        const std::size_t before = out.size();
-        const bool separate = before > start;
-        if (separate) out += query.back;
-        const std::size_t pieceStart = out.size();
-        if (element.isNode())
-            gatherNode(*element.node(), query, out);
-        else
-            gatherList(*element.list(), query, out);
-        if (out.size() == pieceStart) out.resize(before);
+// Each level sums its own part, and adds it to its parent's total when it
+// is done: the same additions in the same order as a sum per call.
+double sum(Level root, std::string_view key) {
+    struct SumLevel : Level {
+        double total = 0;
+    };
+    std::vector<SumLevel> stack{{root}};
+    for (;;) {
+        SumLevel& level = stack.back();
+        std::string_view entryKey;
+        const Value* value = stepToContainer(level, entryKey);
+        if (!value) {
+            const double total = level.total;
+            stack.pop_back();
+            if (stack.empty()) return total;
+            stack.back().total += total;
+        } else if (const NodePtr& nested = value->node()) {
+            stack.push_back({levelOf(*nested)});
+        } else if (detail::isListOfContainers(*value)) {
+            stack.push_back({levelOf(*value->list())});
+        } else if (const std::string* text = value->text(); text && level.node && entryKey == key) {
+            level.total += static_cast<double>(leadingFloat(*text));
+        }
     }
+}
+
+} // namespace
+
+void gatherNode(const Node& node, const GatherQuery& query, std::string& out) {
+    gather(&node, nullptr, query, out);
+}
+
+void gatherList(const List& list, const GatherQuery& query, std::string& out) {
+    gather(nullptr, &list, query, out);
 }
 
 double sumNode(const Node& node, std::string_view key) {
-    double total = 0;
-    for (const auto& [entryKey, value] : node) {
-        if (const NodePtr& nested = value.node())
-            total += sumNode(*nested, key);
-        else if (const ListPtr& list = value.list(); value.listMayHoldContainers())
-            total += sumList(*list, key);
-        else if (const std::string* text = value.text(); text && entryKey == key)
-            total += static_cast<double>(leadingFloat(*text));
-    }
-    return total;
+    return sum(levelOf(node), key);
 }
 
 double sumList(const List& list, std::string_view key) {
-    double total = 0;
-    for (const Value& element : list) {
-        if (const NodePtr& nested = element.node())
-            total += sumNode(*nested, key);
-        else if (const ListPtr& inner = element.list(); element.listMayHoldContainers())
-            total += sumList(*inner, key);
-    }
-    return total;
+    return sum(levelOf(list), key);
 }
 
 float leadingFloat(std::string_view text) {

@@ -5,36 +5,43 @@
 #include <morvane/model/List.h>
 #include <morvane/model/Node.h>
 #include <morvane/model/detail/Text.h>
+#include <morvane/model/detail/Walk.h>
+
+#include <vector>
 
 namespace morvane {
 
 namespace {
 
-const Value* pullFromList(const List& list, std::string_view key);
-
-const Value* pullFromNode(const Node& node, std::string_view key) {
-    if (const Value& own = node.get(key); !own.isAbsent()) return &own;
-    for (const auto& [entryKey, value] : node) {
-        const Value* found = nullptr;
-        if (const NodePtr& nested = value.node())
-            found = pullFromNode(*nested, key);
-        else if (const ListPtr& list = value.list(); value.listMayHoldContainers())
-            found = pullFromList(*list, key);
-        if (found) return found;
+// A Node's own entry under `key` before anything nested in it.
+const Value* pullFrom(const Node* root, const List* rootList, std::string_view key) {
+    std::vector<detail::Level> stack;
+    auto enter = [&](const Node& node) -> const Value* {
+        if (const Value& own = node.get(key); !own.isAbsent()) return &own;
+        stack.push_back(detail::levelOf(node));
+        return nullptr;
+    };
+    if (root) {
+        if (const Value* found = enter(*root)) return found;
+    } else {
+        stack.push_back(detail::levelOf(*rootList));
+    }
+    while (!stack.empty()) {
+        std::string_view entryKey;
+        const Value* value = detail::stepToContainer(stack.back(), entryKey);
+        if (!value) {
+            stack.pop_back();
+        } else if (const NodePtr& nested = value->node()) {
+            if (const Value* found = enter(*nested)) return found;
+        } else if (detail::isListOfContainers(*value)) {
+            stack.push_back(detail::levelOf(*value->list()));
+        }
     }
     return nullptr;
 }
 
-const Value* pullFromList(const List& list, std::string_view key) {
-    for (const Value& element : list) {
-        const Value* found = nullptr;
-        if (const NodePtr& nested = element.node())
-            found = pullFromNode(*nested, key);
-        else if (const ListPtr& inner = element.list(); element.listMayHoldContainers())
-            found = pullFromList(*inner, key);
-        if (found) return found;
-    }
-    return nullptr;
+const Value* pullFromNode(const Node& node, std::string_view key) {
+    return pullFrom(&node, nullptr, key);
 }
 
 // The pulled texts of `keys` joined by `gap`; values that are not texts
@@ -80,7 +87,7 @@ Value Node::pullDict(std::string_view k) const {
 
 Value Node::pullArray(const ListPtr& list, std::string_view k) const {
     if (!list) return {};
-    const Value* found = pullFromList(*list, k);
+    const Value* found = pullFrom(nullptr, list.get(), k);
     return found ? *found : Value();
 }
 

@@ -4,10 +4,12 @@
 
 #include <morvane/model/List.h>
 #include <morvane/model/Node.h>
+#include <morvane/model/detail/Walk.h>
 
 #include <cstdint>
 #include <initializer_list>
 #include <span>
+#include <vector>
 
 namespace morvane {
 
@@ -22,6 +24,7 @@ namespace {
 // - in a read-only Node nothing is removed, and a matched Node is entered
 //   with the words that did not match it, as the separate passes do.
 // `active` says which of the words (bit i for words[i]) a walk still applies.
+// The walk keeps its own stack, so a tree of any depth is purged.
 using Active = std::uint32_t;
 
 class Purge {
@@ -31,43 +34,8 @@ class Purge {
             if (!word.empty()) firstBytes_[byte(word[0]) >> 6] |= std::uint64_t{1} << (byte(word[0]) & 63);
     }
 
-    void node(Node& node, Active active) const {
-        std::size_t i = 0;
-        while (i < node.size()) {
-            const auto& [key, value] = node.entries()[i];
-            // Only Node and text entries can go, so only their keys are
-            // searched: most entries of a feed or catalogue are numbers,
-            // flags and nulls.
-            if (value.isList()) {
-                if (value.listMayHoldContainers()) list(*value.list(), active);
-                ++i;
-                continue;
-            }
-            if (!value.isNode() && !value.isText()) {
-                ++i;
-                continue;
-            }
-            const Active matched = matchedWords(key, active);
-            Active enter = active & ~matched;
-            if (matched != 0 && !node.isReadOnly()) {
-                // Only the passes before the first matching word entered it.
-                const Active first = matched & (~matched + 1);
-                enter &= first - 1;
-            }
-            if (value.isNode() && enter != 0) this->node(*value.node(), enter);
-            if (matched != 0 && node.remove(key)) continue; // the next entry moved here
-            ++i;
-        }
-    }
-
-    void list(const List& list, Active active) const {
-        for (const Value& element : list) {
-            if (element.isNode())
-                node(*element.node(), active);
-            else if (element.listMayHoldContainers())
-                this->list(*element.list(), active);
-        }
-    }
+    void node(Node& root, Active active) const { run({&root, nullptr, 0, active}); }
+    void list(const List& root, Active active) const { run({nullptr, &root, 0, active}); }
 
   private:
     static unsigned byte(char c) { return static_cast<unsigned char>(c); }
@@ -85,6 +53,87 @@ class Purge {
             if ((active >> w & 1) && !words_[w].empty() && key.find(words_[w]) != std::string_view::npos)
                 matched |= Active{1} << w;
         return matched;
+    }
+
+    // A level of the walk's own stack: a Node whose entries may go, or a
+    // list that is only entered.
+    struct PurgeLevel {
+        Node* node;
+        const List* list;
+        std::size_t next;
+        Active active;
+        Active matched = 0;    // the words the entry at `next` matched
+        bool resuming = false; // back from inside that entry
+    };
+
+    void run(PurgeLevel root) const {
+        std::vector<PurgeLevel> stack{root};
+        while (!stack.empty()) {
+            PurgeLevel& level = stack.back();
+            if (level.list) {
+                // Only Nodes and lists holding containers are entered.
+                std::string_view none;
+                detail::Level elements{nullptr, level.list, level.next};
+                const Value* element = detail::stepToContainer(elements, none);
+                level.next = elements.next;
+                if (!element) {
+                    stack.pop_back();
+                    continue;
+                }
+                const Active active = level.active;
+                if (element->isNode())
+                    stack.push_back({element->node().get(), nullptr, 0, active});
+                else
+                    stack.push_back({nullptr, element->list().get(), 0, active});
+                continue;
+            }
+            Node& node = *level.node;
+            if (level.resuming) {
+                level.resuming = false;
+                removeMatched(level);
+                continue;
+            }
+            if (level.next >= node.size()) {
+                stack.pop_back();
+                continue;
+            }
+            const auto& [key, value] = node.entries()[level.next];
+            // Only Node and text entries can go, so only their keys are
+            // searched: most entries of a feed or catalogue are numbers,
+            // flags and nulls.
+            if (value.isList()) {
+                ++level.next;
+                if (detail::isListOfContainers(value))
+                    stack.push_back({nullptr, value.list().get(), 0, level.active});
+                continue;
+            }
+            if (!value.isNode() && !value.isText()) {
+                ++level.next;
+                continue;
+            }
+            const Active matched = matchedWords(key, level.active);
+            Active enter = level.active & ~matched;
+            if (matched != 0 && !node.isReadOnly()) {
+                // Only the passes before the first matching word entered it.
+                const Active first = matched & (~matched + 1);
+                enter &= first - 1;
+            }
+            level.matched = matched;
+            if (value.isNode() && enter != 0) {
+                // The entry is removed (if it matched) once the walk is back.
+                level.resuming = true;
+                stack.push_back({value.node().get(), nullptr, 0, enter});
+                continue;
+            }
+            removeMatched(level);
+        }
+    }
+
+    static void removeMatched(PurgeLevel& level) {
+        Node& node = *level.node;
+        if (level.matched != 0 && level.next < node.size() && node.remove(node.entries()[level.next].first))
+            return; // the next entry moved here
+        ++level.next;
     }
 
     std::span<const std::string_view> words_;

@@ -1,10 +1,14 @@
 // Search by key: values under a key name (searchDict), Nodes hanging under a
 // key name (searchNode). Both try a Node's own entries before any nested
-// entry, so a hit near the top wins over a deeper one.
+// entry, so a hit near the top wins over a deeper one. Both keep their own
+// stack (see detail/Walk.h).
 
 #include <morvane/model/List.h>
 #include <morvane/model/Node.h>
 #include <morvane/model/detail/Text.h>
+#include <morvane/model/detail/Walk.h>
+
+#include <vector>
 
 namespace morvane {
 
@@ -30,32 +34,41 @@ struct KeyQuery {
     }
 };
 
-Value searchKeysIn(const Node& node, const KeyQuery& query);
-
-Value searchKeysInList(const List& list, const KeyQuery& query, bool hostReadOnly) {
-    for (const Value& element : list) {
-        if (element.isNode()) {
-            const Node& nested = *element.node();
-            if (!query.enters(hostReadOnly, nested)) continue;
-            if (Value found = searchKeysIn(nested, query)) return found;
-        } else if (element.listMayHoldContainers()) { // else nothing to search in
-            if (Value found = searchKeysInList(*element.list(), query, hostReadOnly)) return found;
-        }
+// The key search from a Node (`root`) or over a list (`rootList`, hosted by a
+// Node whose flag is `hostReadOnly`). A Node's text entries are tested when
+// it is entered, before any of its nested entries.
+Value searchKeys(const Node* root, const List* rootList, bool hostReadOnly, const KeyQuery& query) {
+    // A list takes the entering rule of the nearest Node above it.
+    struct KeyLevel : detail::Level {
+        bool hostReadOnly;
+    };
+    std::vector<KeyLevel> stack;
+    auto enter = [&](const Node& node) -> const Value* {
+        for (const auto& [key, value] : node)
+            if (value.isText() && query.matches(key)) return &value;
+        stack.push_back({detail::levelOf(node), node.isReadOnly()});
+        return nullptr;
+    };
+    if (root) {
+        if (const Value* found = enter(*root)) return *found;
+    } else {
+        stack.push_back({detail::levelOf(*rootList), hostReadOnly});
     }
-    return {};
-}
-
-Value searchKeysIn(const Node& node, const KeyQuery& query) {
-    for (const auto& [key, value] : node)
-        if (value.isText() && query.matches(key)) return value;
-    for (const auto& [key, value] : node) {
+    while (!stack.empty()) {
+        std::string_view key;
+        const Value* value = detail::stepToContainer(stack.back(), key);
+        if (!value) {
+            stack.pop_back();
+            continue;
+        }
+        const bool host = stack.back().hostReadOnly;
         // A key with ">" marks a branch the key search never enters.
-        if (key.find('>') != std::string::npos) continue;
-        if (const NodePtr& nested = value.node()) {
-            if (!query.enters(node.isReadOnly(), *nested)) continue;
-            if (Value found = searchKeysIn(*nested, query)) return found;
-        } else if (const ListPtr& list = value.list(); value.listMayHoldContainers()) {
-            if (Value found = searchKeysInList(*list, query, node.isReadOnly())) return found;
+        if (key.find('>') != std::string_view::npos) continue;
+        if (const NodePtr& nested = value->node()) {
+            if (!query.enters(host, *nested)) continue;
+            if (const Value* found = enter(*nested)) return *found;
+        } else if (detail::isListOfContainers(*value)) { // else nothing to search in
+            stack.push_back({detail::levelOf(*value->list()), host});
         }
     }
     return {};
@@ -76,35 +89,47 @@ struct NodeQuery {
     }
 };
 
-NodePtr searchNodesIn(const Node& node, const NodeQuery& query);
-
-NodePtr searchNodesInList(const List& list, const NodeQuery& query) {
-    for (const Value& element : list) {
-        if (const NodePtr& nested = element.node()) {
-            // The element that holds the hit, not the hit.
-            if (searchNodesIn(*nested, query)) return nested;
-        } else if (const ListPtr& inner = element.list(); element.listMayHoldContainers()) {
-            if (NodePtr found = searchNodesInList(*inner, query)) return found;
+// The Node search from a Node or over a list. A hit found inside an element
+// of a list gives that element (the one of the outermost list on the way
+// down), not the hit itself.
+NodePtr searchNodes(const Node* root, const List* rootList, const NodeQuery& query) {
+    std::vector<detail::Level> stack;
+    auto found = [&](const NodePtr& hit) -> NodePtr {
+        for (std::size_t i = 1; i < stack.size(); ++i)
+            if (stack[i - 1].list && stack[i].node)
+                return NodePtr(stack[i - 1].list->at(stack[i - 1].next - 1).node());
+        return hit;
+    };
+    // First pass over a Node entered: the direct children; a mutable Node
+    // tests only its mutable children here, a read-only Node all of them.
+    auto enter = [&](const Node& node) -> const NodePtr* {
+        stack.push_back(detail::levelOf(node));
+        for (const auto& [key, value] : node) {
+            const NodePtr& nested = value.node();
+            if (nested && (node.isReadOnly() || !nested->isReadOnly()) && query.matches(key)) return &nested;
         }
-    }
-    return nullptr;
-}
-
-NodePtr searchNodesIn(const Node& node, const NodeQuery& query) {
-    // First pass: the direct children; a mutable Node tests only its mutable
-    // children here, a read-only Node all of them.
-    for (const auto& [key, value] : node) {
-        const NodePtr& nested = value.node();
-        if (nested && (node.isReadOnly() || !nested->isReadOnly()) && query.matches(key)) return nested;
+        return nullptr;
+    };
+    if (root) {
+        if (const NodePtr* hit = enter(*root)) return found(*hit);
+    } else {
+        stack.push_back(detail::levelOf(*rootList));
     }
     // Second pass: every nested Node is tested (which can only hit a
     // read-only child of a mutable Node now) and entered.
-    for (const auto& [key, value] : node) {
-        if (const NodePtr& nested = value.node()) {
-            if (query.matches(key)) return nested;
-            if (NodePtr found = searchNodesIn(*nested, query)) return found;
-        } else if (const ListPtr& list = value.list(); value.listMayHoldContainers()) {
-            if (NodePtr found = searchNodesInList(*list, query)) return found;
+    while (!stack.empty()) {
+        std::string_view key;
+        const Value* value = detail::stepToContainer(stack.back(), key);
+        if (!value) {
+            stack.pop_back();
+            continue;
+        }
+        const bool inNode = stack.back().node != nullptr;
+        if (const NodePtr& nested = value->node()) {
+            if (inNode && query.matches(key)) return found(nested);
+            if (const NodePtr* hit = enter(*nested)) return found(*hit);
+        } else if (detail::isListOfContainers(*value)) {
+            stack.push_back(detail::levelOf(*value->list()));
         }
     }
     return nullptr;
@@ -113,16 +138,16 @@ NodePtr searchNodesIn(const Node& node, const NodeQuery& query) {
 } // namespace
 
 Value Node::searchDict(std::string_view t, bool exact) const {
-    return searchKeysIn(*this, keyQuery(t, exact, Entering::ByReadOnlyRule));
+    return searchKeys(this, nullptr, false, keyQuery(t, exact, Entering::ByReadOnlyRule));
 }
 
 Value Node::searchArray(const ListPtr& list, std::string_view t, bool exact) const {
     if (!list) return {};
-    return searchKeysInList(*list, keyQuery(t, exact, Entering::ByReadOnlyRule), isReadOnly());
+    return searchKeys(nullptr, list.get(), isReadOnly(), keyQuery(t, exact, Entering::ByReadOnlyRule));
 }
 
 Value Node::searchDict2(std::string_view t, bool exact) const {
-    return searchKeysIn(*this, keyQuery(t, exact, Entering::Everything));
+    return searchKeys(this, nullptr, false, keyQuery(t, exact, Entering::Everything));
 }
 
 Value Node::valLikeKey(std::string_view t) const {
@@ -141,12 +166,12 @@ Value Node::txtInList(const ListPtr& texts) const {
 }
 
 NodePtr Node::searchNode(std::string_view t, bool exact) const {
-    return searchNodesIn(*this, NodeQuery{detail::lowercase(t), exact});
+    return searchNodes(this, nullptr, NodeQuery{detail::lowercase(t), exact});
 }
 
 NodePtr Node::searchNodeArray(const ListPtr& list, std::string_view t, bool exact) const {
     if (!list) return nullptr;
-    return searchNodesInList(*list, NodeQuery{detail::lowercase(t), exact});
+    return searchNodes(nullptr, list.get(), NodeQuery{detail::lowercase(t), exact});
 }
 
 NodePtr Node::nodeKey(std::string_view t) const {

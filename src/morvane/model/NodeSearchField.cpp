@@ -5,6 +5,9 @@
 #include <morvane/model/List.h>
 #include <morvane/model/Node.h>
 #include <morvane/model/detail/Text.h>
+#include <morvane/model/detail/Walk.h>
+
+#include <vector>
 
 namespace morvane {
 
@@ -23,30 +26,28 @@ struct ContentQuery {
     }
 };
 
-NodePtr contentInList(const List& list, const ContentQuery& query);
-
-NodePtr contentInChildren(const Node& node, const ContentQuery& query) {
-    for (const auto& [key, value] : node) {
-        if (const NodePtr& nested = value.node()) {
-            if (query.holds(*nested)) return nested;
-            if (NodePtr found = contentInChildren(*nested, query)) return found;
-        } else if (const ListPtr& list = value.list(); value.listMayHoldContainers()) {
-            if (NodePtr found = contentInList(*list, query)) return found;
+// The walk shared by both searches: every nested Node, depth first, is
+// tested as it is reached and then entered. `hit` tests a Node reached under
+// a key ("" in a list).
+template <typename Hit> NodePtr firstNested(detail::Level root, Hit hit) {
+    std::vector<detail::Level> stack{root};
+    while (!stack.empty()) {
+        std::string_view key;
+        const Value* value = detail::stepToContainer(stack.back(), key);
+        if (!value) {
+            stack.pop_back();
+        } else if (const NodePtr& nested = value->node()) {
+            if (hit(stack.back().node != nullptr, key, *nested)) return nested;
+            stack.push_back(detail::levelOf(*nested));
+        } else if (detail::isListOfContainers(*value)) {
+            stack.push_back(detail::levelOf(*value->list()));
         }
     }
     return nullptr;
 }
 
-NodePtr contentInList(const List& list, const ContentQuery& query) {
-    for (const Value& element : list) {
-        if (const NodePtr& nested = element.node()) {
-            if (query.holds(*nested)) return nested;
-            if (NodePtr found = contentInChildren(*nested, query)) return found;
-        } else if (const ListPtr& inner = element.list(); element.listMayHoldContainers()) {
-            if (NodePtr found = contentInList(*inner, query)) return found;
-        }
-    }
-    return nullptr;
+NodePtr contentIn(detail::Level root, const ContentQuery& query) {
+    return firstNested(root, [&](bool, std::string_view, const Node& nested) { return query.holds(nested); });
 }
 
 // ---- Field search ------------------------------------------------------------
@@ -61,44 +62,28 @@ struct FieldQuery {
     }
 };
 
-NodePtr fieldInList(const List& list, const FieldQuery& query);
-
-// The second pass of the field search over a Node whose own field missed.
-NodePtr fieldInChildren(const Node& node, const FieldQuery& query) {
-    for (const auto& [key, value] : node) {
-        if (const NodePtr& nested = value.node()) {
-            // A Node hanging under the field's name is a hit, whatever it holds.
-            if (key == query.field) return nested;
-            if (query.holds(*nested)) return nested;
-            if (NodePtr found = fieldInChildren(*nested, query)) return found;
-        } else if (const ListPtr& list = value.list(); value.listMayHoldContainers()) {
-            if (NodePtr found = fieldInList(*list, query)) return found;
-        }
-    }
-    return nullptr;
-}
-
-NodePtr fieldInList(const List& list, const FieldQuery& query) {
-    for (const Value& element : list) {
-        if (const NodePtr& nested = element.node()) {
-            if (query.holds(*nested)) return nested;
-            if (NodePtr found = fieldInChildren(*nested, query)) return found;
-        } else if (const ListPtr& inner = element.list(); element.listMayHoldContainers()) {
-            if (NodePtr found = fieldInList(*inner, query)) return found;
-        }
-    }
-    return nullptr;
+NodePtr fieldIn(detail::Level root, const FieldQuery& query) {
+    return firstNested(root, [&](bool underKey, std::string_view key, const Node& nested) {
+        // A Node hanging under the field's name is a hit, whatever it holds.
+        return (underKey && key == query.field) || query.holds(nested);
+    });
 }
 
 // ---- Key listing -------------------------------------------------------------
 
-void listLikeKeys(const Node& node, std::string_view lowered, std::vector<Value>& hits) {
-    for (const auto& [key, value] : node) {
-        if (value.isText()) {
+// Text entries in entry order, nested Nodes entered where they stand.
+void listLikeKeys(const Node& root, std::string_view lowered, std::vector<Value>& hits) {
+    std::vector<detail::Level> stack{detail::levelOf(root)};
+    while (!stack.empty()) {
+        std::string_view key;
+        const Value* value = detail::stepToContainer(stack.back(), key);
+        if (!value) {
+            stack.pop_back();
+        } else if (value->isText()) {
             if (detail::likeLowered(key, lowered))
-                hits.emplace_back(Node::make({{"key", Value(key)}, {"val", value}}));
-        } else if (const NodePtr& nested = value.node()) {
-            listLikeKeys(*nested, lowered, hits);
+                hits.emplace_back(Node::make({{"key", Value(key)}, {"val", *value}}));
+        } else if (const NodePtr& nested = value->node()) {
+            stack.push_back(detail::levelOf(*nested));
         }
     }
 }
@@ -113,23 +98,23 @@ std::string hitKey(const Value& hit) {
 NodePtr Node::searchContent(std::string_view field, std::string_view c) const {
     const ContentQuery query{field, detail::lowercase(c)};
     if (query.holds(*this)) return self();
-    return contentInChildren(*this, query);
+    return contentIn(detail::levelOf(*this), query);
 }
 
 NodePtr Node::searchArrayContent(const ListPtr& list, std::string_view field, std::string_view c) const {
     if (!list) return nullptr;
-    return contentInList(*list, ContentQuery{field, detail::lowercase(c)});
+    return contentIn(detail::levelOf(*list), ContentQuery{field, detail::lowercase(c)});
 }
 
 NodePtr Node::searchNodeFld(std::string_view field, std::string_view v) const {
     const FieldQuery query{field, v};
     if (query.holds(*this)) return self();
-    return fieldInChildren(*this, query);
+    return fieldIn(detail::levelOf(*this), query);
 }
 
 NodePtr Node::searchNodeFldArray(const ListPtr& list, std::string_view field, std::string_view v) const {
     if (!list) return nullptr;
-    return fieldInList(*list, FieldQuery{field, v});
+    return fieldIn(detail::levelOf(*list), FieldQuery{field, v});
 }
 
 ListPtr Node::txtLikeList(std::string_view t) const {
@@ -140,7 +125,7 @@ ListPtr Node::txtLikeList(std::string_view t) const {
 
 ListPtr Node::sortArray(const ListPtr& hits) const {
     if (!hits || hits->size() < 2 || hits->isReadOnly()) return hits;
-    auto& items = hits->items();
+    auto& items = detail::TreeAccess::items(*hits);
     for (std::size_t i = 0; i + 1 < items.size(); ++i) {
         for (std::size_t j = i + 1; j < items.size(); ++j)
             if (detail::compareText(hitKey(items[j]), hitKey(items[i])) < 0) std::swap(items[i], items[j]);

@@ -1,9 +1,11 @@
 #include <morvane/model/List.h>
 #include <morvane/model/Node.h>
 #include <morvane/model/Value.h>
+#include <morvane/model/detail/Walk.h>
 
 #include <charconv>
 #include <utility>
+#include <vector>
 
 namespace morvane {
 
@@ -17,14 +19,6 @@ Value::Value(NodePtr node) noexcept {
 
 Value::Value(ListPtr list) noexcept {
     if (!list) return;
-    // The epoch is read before the elements: a change made after this point
-    // moves it past what is remembered here.
-    const std::uint64_t epoch = detail::listShapeEpoch() & kEpochMask;
-    if (std::as_const(*list).items_.vouch(list.use_count() == 1)) {
-        tag_.flags |= kVouchedList;
-        tag_.epochHigh = static_cast<std::uint16_t>(epoch >> 32);
-        tag_.epochLow = static_cast<std::uint32_t>(epoch);
-    }
     std::construct_at(&payload_.list, std::move(list));
     tag_.kind = Kind::List;
 }
@@ -51,23 +45,82 @@ std::string Value::toText() const {
 }
 
 bool Value::operator==(const Value& other) const {
-    if (kind() != other.kind()) return false;
-    switch (kind()) {
-    case Kind::Absent:
-    case Kind::Null:
-        return true;
-    case Kind::Number:
-        return number() == other.number();
-    case Kind::Text:
-        return *text() == *other.text();
-    case Kind::Node:
-        return node() == other.node() || node()->equals(*other.node());
-    case Kind::List:
-        return list() == other.list() || list()->equals(*other.list());
-    case Kind::Object:
-        return objectPtr() == other.objectPtr();
-    }
-    return false;
+    return detail::equalValues(*this, other);
 }
+
+namespace detail {
+
+namespace {
+// Compares the values it is given at once where they hold no container, and
+// keeps the pairs of entries or elements of two containers for later.
+class Comparison {
+  public:
+    bool nodes(const Node& a, const Node& b) {
+        if (&a == &b) return true;
+        if (a.size() != b.size()) return false;
+        for (const auto& [key, value] : a)
+            pending_.emplace_back(&value, &b.get(key));
+        return true;
+    }
+
+    bool lists(const List& a, const List& b) {
+        if (&a == &b) return true;
+        if (a.size() != b.size()) return false;
+        for (std::size_t i = 0; i < a.size(); ++i)
+            pending_.emplace_back(&a.at(i), &b.at(i));
+        return true;
+    }
+
+    bool values(const Value& a, const Value& b) {
+        if (a.kind() != b.kind()) return false;
+        switch (a.kind()) {
+        case Value::Kind::Absent:
+        case Value::Kind::Null:
+            return true;
+        case Value::Kind::Number:
+            return a.number() == b.number();
+        case Value::Kind::Text:
+            return *a.text() == *b.text();
+        case Value::Kind::Node:
+            return nodes(*a.node(), *b.node());
+        case Value::Kind::List:
+            return lists(*a.list(), *b.list());
+        case Value::Kind::Object:
+            return a.objectPtr() == b.objectPtr();
+        }
+        return false;
+    }
+
+    // True when every pair left agrees.
+    bool rest() {
+        while (!pending_.empty()) {
+            const auto [a, b] = pending_.back();
+            pending_.pop_back();
+            if (!values(*a, *b)) return false;
+        }
+        return true;
+    }
+
+  private:
+    std::vector<std::pair<const Value*, const Value*>> pending_;
+};
+} // namespace
+
+bool equalNodes(const Node& a, const Node& b) {
+    Comparison comparison;
+    return comparison.nodes(a, b) && comparison.rest();
+}
+
+bool equalLists(const List& a, const List& b) {
+    Comparison comparison;
+    return comparison.lists(a, b) && comparison.rest();
+}
+
+bool equalValues(const Value& a, const Value& b) {
+    Comparison comparison;
+    return comparison.values(a, b) && comparison.rest();
+}
+
+} // namespace detail
 
 } // namespace morvane

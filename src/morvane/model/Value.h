@@ -8,7 +8,6 @@
 
 #include <morvane/model/Forward.h>
 
-#include <atomic>
 #include <cstdint>
 #include <memory>
 #include <string>
@@ -122,13 +121,6 @@ class Value {
     const std::shared_ptr<Object>& objectPtr() const noexcept {
         return tag_.kind == Kind::Object ? payload_.object->value : kNoObject;
     }
-    // For a list: false when the list is known to hold no Node or list, so a
-    // walk can pass it by. A Value made from a small list of numbers and
-    // texts remembers that it found none there, for as long as nothing could
-    // have put a container into the list since (see Values in List.h); then
-    // the list itself is not read. False for everything but a list.
-    bool listMayHoldContainers() const noexcept;
-
     // The carried object if it is a T, or nullptr.
     template <typename T> const T* as() const {
         auto* boxed = dynamic_cast<const Boxed<T>*>(objectPtr().get());
@@ -179,19 +171,11 @@ class Value {
     static inline const std::shared_ptr<Object> kNoObject;
 
     static constexpr std::uint8_t kFromBool = 1;
-    // A list that held no Node or list when the epoch of the tag was current.
-    static constexpr std::uint8_t kVouchedList = 2;
-    static constexpr std::uint64_t kEpochMask = (std::uint64_t{1} << 48) - 1;
 
-    // The second word: the kind, the flags and, for a vouched list, the low
-    // 48 bits of the epoch it was vouched in. Copied and swapped whole.
+    // The second word: the kind and the flags. Copied and swapped whole.
     struct Tag {
         Kind kind = Kind::Absent;
         std::uint8_t flags = 0;
-        std::uint16_t epochHigh = 0;
-        std::uint32_t epochLow = 0;
-
-        std::uint64_t epoch() const noexcept { return std::uint64_t{epochHigh} << 32 | epochLow; }
     };
 
     Payload payload_;

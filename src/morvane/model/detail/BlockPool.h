@@ -6,10 +6,17 @@
 // for that twice: a header on every block, and for a large tree, a pass that
 // merges its freed small blocks when the next large one is asked for. Small
 // blocks therefore come from slabs carved at their exact size (in steps of
-// eight bytes), and a freed block goes on a free list of the thread that
-// frees it, for the next block of that size. Blocks may be freed on any
-// thread. A thread's free lists go to a shared store when the thread ends.
-// Slabs are kept for reuse for the life of the process.
+// eight bytes).
+//
+// A freed block goes on a free list of the thread that frees it, for the next
+// block of that size. Those lists are bounded: past a few kilobytes a batch
+// of blocks moves to a shared store, and a thread that runs out takes a
+// whole batch from there before it carves anything new. So a tree parsed on
+// a worker and dropped on the main thread comes back to the worker, and the
+// pool's memory stays bounded whichever thread drops what. A thread's lists
+// and the rest of its slab go to the shared store when the thread ends;
+// blocks freed later on that thread (from a thread-local destructor) go
+// there directly. Slabs are kept for reuse for the life of the process.
 //
 // Builds with AddressSanitizer take every block from the general heap, so
 // that a use after free of a Node or list is still caught.
@@ -25,8 +32,13 @@ inline constexpr std::size_t kLargestPooledBlock = 256;
 void* allocateBlock(std::size_t size);
 // Gives back a block from allocateBlock, with the size it was asked for.
 void freeBlock(void* block, std::size_t size) noexcept;
-// Bytes of the calling thread's current slab not yet carved into blocks
-// (allocated, but holding no block): for measurements of a tree's memory.
-std::size_t uncarvedBytes() noexcept;
+
+// For measurements and tests.
+// Bytes of pooled blocks the calling thread took minus those it gave back
+// (each block counted at the size it is carved at).
+long long threadBlockBytes() noexcept;
+// Slabs made so far by all threads, and their bytes.
+std::size_t slabCount() noexcept;
+std::size_t slabBytes() noexcept;
 
 } // namespace morvane::detail
