@@ -27,7 +27,7 @@ class HPhotoLoadTest : public MediaFixture {
 
 } // namespace
 
-TEST(HPhotoLoadPaths, TokensAndRatios) {
+TEST(HPhotoLoadPaths, tokens_and_ratios) {
     EXPECT_EQ(HPhotoLoad::pathMinusFirstToken("https://h.com/a//b/c.png?x=1"), "toskar/h.com/a/b/c.png?x=1");
     EXPECT_EQ(HPhotoLoad::pathMinusFirstToken("http://"), "");
     EXPECT_EQ(HPhotoLoad::pathMinusFirstToken("x/httpdocs/y"), "toskar/x/y")
@@ -44,14 +44,14 @@ TEST(HPhotoLoadPaths, TokensAndRatios) {
     EXPECT_FLOAT_EQ(HPhotoLoad::findRatio(10000, 10000), 0.1f);
 }
 
-TEST_F(HPhotoLoadTest, ErrorNamesCarryTheMoment) {
+TEST_F(HPhotoLoadTest, error_names_carry_the_moment) {
     useManualClock(kJan2024 + 14 * 3600 + 5 * 60 + 9);
     EXPECT_EQ(HPhotoLoad::trgImagex(), "Error/202401011405009.jpg");
 }
 
 // Resource pictures come back tinted with the loader's colour and the name;
 // a text that is neither a resource nor an address gives no image.
-TEST_F(HPhotoLoadTest, ResourcesAreTintedAndUnknownNamesGiveNoImage) {
+TEST_F(HPhotoLoadTest, resources_are_tinted_and_unknown_names_give_no_image) {
     resourcePicture("pin", 4, 4, gfx::Color::redColor());
     Calls calls;
     HPhotoLoad loader(gfx::Color::greenColor());
@@ -67,7 +67,7 @@ TEST_F(HPhotoLoadTest, ResourcesAreTintedAndUnknownNamesGiveNoImage) {
 
 // Downloads go to toskar/<host>/<path> dated with the stamp as given; the
 // loader stays bound to its first picture; a newer stamp fetches again.
-TEST_F(HPhotoLoadTest, DownloadsAreBoundToTheFirstAddress) {
+TEST_F(HPhotoLoadTest, downloads_are_bound_to_the_first_address) {
     useManualClock(kJan2024);
     server.serve("/p/one.png", pngBytes(7, 3, gfx::Color::redColor()), "image/png");
     server.serve("/p/two.png", pngBytes(2, 2, gfx::Color::blueColor()), "image/png");
@@ -95,7 +95,7 @@ TEST_F(HPhotoLoadTest, DownloadsAreBoundToTheFirstAddress) {
     EXPECT_EQ(server.requestCount("/p/one.png"), 2);
 }
 
-TEST_F(HPhotoLoadTest, FailuresAndHostilePathsWriteNothingOutside) {
+TEST_F(HPhotoLoadTest, failures_and_hostile_paths_write_nothing_outside) {
     server.respond("/gone.png", {500, "", {}});
     server.serve("/x.png", pngBytes(2, 2, gfx::Color::redColor()), "image/png");
     Calls calls;

@@ -22,7 +22,7 @@ gfx::Image icon(double scale = 1) {
 
 // Tinting must follow the icon's shape: the colour replaces what is visible,
 // keeps each pixel's alpha, and never fills the transparent background.
-TEST(ImageColor, TintingReplacesVisiblePixelsAndKeepsTransparency) {
+TEST(ImageColor, tinting_replaces_visible_pixels_and_keeps_transparency) {
     for (double scale : {1.0, 2.0}) {
         const gfx::Image tinted = ImageColor::color(icon(scale), gfx::Color::blueColor());
         ASSERT_FALSE(tinted.isNull());
@@ -39,7 +39,7 @@ TEST(ImageColor, TintingReplacesVisiblePixelsAndKeepsTransparency) {
 }
 
 // Sizes come out exactly as asked, whatever the source's proportions and scale.
-TEST(ImageColor, ScalingGivesTheAskedSizeAtScaleOne) {
+TEST(ImageColor, scaling_gives_the_asked_size_at_scale_one) {
     const gfx::Image wide = solidImage(100, 30, gfx::Color::greenColor(), 2);
     const gfx::Image square = ImageColor::size(wide, 40);
     EXPECT_EQ(square.size(), gfx::Size(40, 40));
@@ -60,7 +60,7 @@ TEST(ImageColor, ScalingGivesTheAskedSizeAtScaleOne) {
 }
 
 // The byte budget halves both sides per step and stops as soon as the PNG fits.
-TEST(ImageColor, ByteBudgetHalvesBothSidesUntilThePngFits) {
+TEST(ImageColor, byte_budget_halves_both_sides_until_the_png_fits) {
     const gfx::Image photo = noiseImage(64, 48);
     const float pngLength = float(photo.pngData().size());
 
@@ -83,7 +83,7 @@ TEST(ImageColor, ByteBudgetHalvesBothSidesUntilThePngFits) {
     EXPECT_TRUE(ImageColor::resizeImage(gfx::Image(), 100).isNull());
 }
 
-TEST(ImageColor, SizeIfResizedIsTheJpegLengthOfTheScaledPicture) {
+TEST(ImageColor, size_if_resized_is_the_jpeg_length_of_the_scaled_picture) {
     const gfx::Image photo = noiseImage(80, 60);
     const auto full = ImageColor::sizeIfResizeBy(photo, 1);
     const auto quarter = ImageColor::sizeIfResizeBy(photo, 0.5);
@@ -94,7 +94,7 @@ TEST(ImageColor, SizeIfResizedIsTheJpegLengthOfTheScaledPicture) {
 
 // The orange tone: half-way between each pixel and its toned luminance;
 // black and white keep their level, middle grey leans to the tone, alpha stays.
-TEST(ImageColor, OrangeToneBlendsHalfWayTowardsTheTone) {
+TEST(ImageColor, orange_tone_blends_half_way_towards_the_tone) {
     const gfx::Image grey = solidImage(4, 4, gfx::Color::gray(0.5), 2);
     const gfx::Image toned = ImageColor::applyFilterOrg(grey);
     EXPECT_EQ(toned.scale(), 1);
@@ -115,7 +115,7 @@ TEST(ImageColor, OrangeToneBlendsHalfWayTowardsTheTone) {
     EXPECT_NEAR(faint.alpha, 0.4, 0.01);
 }
 
-TEST(ImageColor, ColorOfPointReadsThePixelInPointsAndNothingOutside) {
+TEST(ImageColor, color_of_point_reads_the_pixel_in_points_and_nothing_outside) {
     gfx::ImageContext context(gfx::Size(10, 10), gfx::Opacity::Transparent, 2);
     context.canvas().fillRect(gfx::Rect(0, 0, 5, 10), gfx::Color::redColor());
     context.canvas().fillRect(gfx::Rect(5, 0, 5, 10), gfx::Color(0, 0, 1, 0.5));

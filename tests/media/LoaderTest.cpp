@@ -50,7 +50,7 @@ class LoaderTest : public MediaFixture {
 
 // Resource pictures come back at once, untinted, without touching the cache
 // or the network; no name gives the "about" picture tinted white.
-TEST_F(LoaderTest, ResourcePicturesAndTheDefaultComeBackSynchronously) {
+TEST_F(LoaderTest, resource_pictures_and_the_default_come_back_synchronously) {
     resourcePicture("menu", 6, 6, gfx::Color::redColor());
     Outcome outcome;
     ZBImageModel loader;
@@ -70,7 +70,7 @@ TEST_F(LoaderTest, ResourcePicturesAndTheDefaultComeBackSynchronously) {
 // The first request downloads (on a global queue, not the caller's thread),
 // caches and dates the file; later requests whose stamp is not newer than the
 // file's creation are served from disk at once; a newer stamp downloads again.
-TEST_F(LoaderTest, StampsDecideBetweenTheCachedFileAndADownload) {
+TEST_F(LoaderTest, stamps_decide_between_the_cached_file_and_a_download) {
     useManualClock(kJan2024);
     server.serve("/menu/soup.png", pngBytes(8, 4, gfx::Color::greenColor()), "image/png");
     const std::string address = server.address("/menu/soup.png");
@@ -113,7 +113,7 @@ TEST_F(LoaderTest, StampsDecideBetweenTheCachedFileAndADownload) {
 // files do: once a newer version has replaced the file, a request with no
 // stamp or with the older one gets the new picture; a file the application
 // deleted is downloaded again, not served from memory.
-TEST_F(LoaderTest, MemoryCacheAnswersAsTheFilesDo) {
+TEST_F(LoaderTest, memory_cache_answers_as_the_files_do) {
     useManualClock(kJan2024);
     const gfx::Color green = gfx::Color::greenColor(), red = gfx::Color::redColor();
     server.serve("/menu/soup.png", pngBytes(4, 4, green), "image/png");
@@ -154,7 +154,7 @@ TEST_F(LoaderTest, MemoryCacheAnswersAsTheFilesDo) {
 }
 
 // Failures are silent: no callback, no file, whatever went wrong.
-TEST_F(LoaderTest, FailedDownloadsLeaveNoCallbackAndNoFile) {
+TEST_F(LoaderTest, failed_downloads_leave_no_callback_and_no_file) {
     server.respond("/missing.png", {404, "<html>no</html>", {}});
     server.serve("/page.png", "<html>this is not a picture</html>", "text/html");
     server.reset("/reset.png");
@@ -178,7 +178,7 @@ TEST_F(LoaderTest, FailedDownloadsLeaveNoCallbackAndNoFile) {
 
 // Hostile addresses served by a real server: every picture is delivered, and
 // nothing is written outside the cache folders.
-TEST_F(LoaderTest, HostileAddressesAreDeliveredButNeverWrittenOutside) {
+TEST_F(LoaderTest, hostile_addresses_are_delivered_but_never_written_outside) {
     const std::string picture = pngBytes(3, 3, gfx::Color::redColor());
     server.serve("/a", picture, "image/png");
     server.serve("/%2e%2e/%2e%2e/x.png", picture, "image/png");
@@ -204,7 +204,7 @@ TEST_F(LoaderTest, HostileAddressesAreDeliveredButNeverWrittenOutside) {
 
 // Concurrent requests for one address share one transfer and one write; each
 // still gets its own callback, on a global queue.
-TEST_F(LoaderTest, ConcurrentRequestsForOneAddressShareOneFetch) {
+TEST_F(LoaderTest, concurrent_requests_for_one_address_share_one_fetch) {
     LoopbackServer::Response slow{200, pngBytes(16, 16, gfx::Color::redColor()), {}};
     server.delay("/shared.png", 0.3, slow);
     const std::string address = server.address("/shared.png");
@@ -226,7 +226,7 @@ TEST_F(LoaderTest, ConcurrentRequestsForOneAddressShareOneFetch) {
 
 // Two addresses that the cache files under one name (one path, two queries)
 // are two pictures: requested at once, each caller gets its own.
-TEST_F(LoaderTest, AddressesSharingACacheFileAreDownloadedApart) {
+TEST_F(LoaderTest, addresses_sharing_a_cache_file_are_downloaded_apart) {
     server.delay("/dish.png?v=1", 0.3, {200, pngBytes(4, 4, gfx::Color::redColor()), {}});
     server.delay("/dish.png?v=2", 0.3, {200, pngBytes(4, 4, gfx::Color::blueColor()), {}});
     ASSERT_EQ(path(server.address("/dish.png?v=1")), path(server.address("/dish.png?v=2")));
@@ -262,7 +262,7 @@ double secondsSince(std::chrono::steady_clock::time_point start) {
 // Twenty pictures from a server that holds every answer for seconds: the
 // other background work of the app still runs at once, and only a few
 // transfers are open; the rest wait their turn.
-TEST_F(LoaderTest, StalledPictureServersDoNotStarveTheGlobalQueues) {
+TEST_F(LoaderTest, stalled_picture_servers_do_not_starve_the_global_queues) {
     constexpr int kPictures = 20;
     for (int i = 0; i < kPictures; ++i)
         server.delay("/slow" + std::to_string(i) + ".png", 4,
@@ -286,7 +286,7 @@ TEST_F(LoaderTest, StalledPictureServersDoNotStarveTheGlobalQueues) {
 // A download whose every requester is gone is given up, running or waiting:
 // the waiting ones never reach the server. A picture that someone still wants
 // arrives, to that requester only.
-TEST_F(LoaderTest, DownloadsNobodyWaitsForAreGivenUp) {
+TEST_F(LoaderTest, downloads_nobody_waits_for_are_given_up) {
     server.delay("/kept.png", 0.5, {200, pngBytes(2, 2, gfx::Color::redColor()), {}});
     constexpr int kGone = 6;
     for (int i = 0; i < kGone; ++i)

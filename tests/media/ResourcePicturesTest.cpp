@@ -28,7 +28,7 @@ constexpr const char* kSquareSvg = R"(<svg xmlns="http://www.w3.org/2000/svg" wi
 } // namespace
 
 // Names are tried with each picture extension; SVG is drawn at the size asked.
-TEST_F(ResourcePicturesTest, FindsPngJpegAndSvgByName) {
+TEST_F(ResourcePicturesTest, finds_png_jpeg_and_svg_by_name) {
     put(resources, "home.png", pngBytes(12, 8, gfx::Color::redColor()));
     put(resources, "photo.jpg", jpegBytes(30, 20, gfx::Color::greenColor()));
     put(resources, "tall.svg", kSquareSvg);
@@ -50,7 +50,7 @@ TEST_F(ResourcePicturesTest, FindsPngJpegAndSvgByName) {
 }
 
 // The kit ships its own default pictures, found beside the library.
-TEST_F(ResourcePicturesTest, KitPicturesAreFoundWithoutTheApplicationsOwn) {
+TEST_F(ResourcePicturesTest, kit_pictures_are_found_without_the_applications_own) {
     ASSERT_FALSE(ResourcePictures::kitFolder().empty());
     for (const char* name :
          {"about", "credit", "person", "home", "phone", "email", "gallery", "airplane2", "airplane2w"}) {
@@ -65,7 +65,7 @@ TEST_F(ResourcePicturesTest, KitPicturesAreFoundWithoutTheApplicationsOwn) {
 }
 
 // A name never reaches outside the two folders, not by path steps, not by links.
-TEST_F(ResourcePicturesTest, NamesNeverResolveOutsideTheResourceFolders) {
+TEST_F(ResourcePicturesTest, names_never_resolve_outside_the_resource_folders) {
     put(root, "secret.png", pngBytes(2, 2, gfx::Color::redColor()));
     put(resources, ".hidden.png", pngBytes(2, 2, gfx::Color::redColor()));
     fs::create_symlink(root / "secret.png", resources / "linked.png");

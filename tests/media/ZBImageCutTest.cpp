@@ -47,7 +47,7 @@ class ZBImageCutTest : public MediaFixture {
 // The names the cache derives from addresses, on the cases that decide them:
 // scheme and host dropped, percent texts cleaned, queries cut, "img" alone
 // for an address without "/", nothing for an empty last component.
-TEST_F(ZBImageCutTest, NamesComeFromTheCleanedAddress) {
+TEST_F(ZBImageCutTest, names_come_from_the_cleaned_address) {
     const struct {
         std::optional<std::string> address;
         std::string dir, file;
@@ -72,7 +72,7 @@ TEST_F(ZBImageCutTest, NamesComeFromTheCleanedAddress) {
 // the second: a stamp exactly four weeks old is not older, one second more
 // is; the day-only test ignores the time of day. Weeks are calendar weeks,
 // keeping the clock time across a daylight-saving change.
-TEST_F(ZBImageCutTest, StampsAndTheFourWeekRule) {
+TEST_F(ZBImageCutTest, stamps_and_the_four_week_rule) {
     EXPECT_EQ(ZBImageCut::cut("2024.01.01T10:00:00.750+0100"), "2024.01.01T10:00:00");
     EXPECT_EQ(ZBImageCut::cut("2024.01"), "2024.01");
     EXPECT_EQ(ZBImageCut::textToDate("2024.01.01T00:00:00.999"), kJan2024);
@@ -97,7 +97,7 @@ TEST_F(ZBImageCutTest, StampsAndTheFourWeekRule) {
 // Saving: an old stamp is stored as four weeks ago, a recent one as given,
 // with changeDate off every stamp as given (and nothing is swept). The
 // creation date is the moment of the save.
-TEST_F(ZBImageCutTest, SavesDateFilesByTheFourWeekRule) {
+TEST_F(ZBImageCutTest, saves_date_files_by_the_four_week_rule) {
     useManualClock(kJan2024);
     ZBImageCut cut;
     bool called = false;
@@ -120,7 +120,7 @@ TEST_F(ZBImageCutTest, SavesDateFilesByTheFourWeekRule) {
 
 // Reading a file created over four weeks ago (by its day) moves its
 // modification date to four weeks ago and leaves its creation alone.
-TEST_F(ZBImageCutTest, ReadingAnOldFileMovesItsStampForward) {
+TEST_F(ZBImageCutTest, reading_an_old_file_moves_its_stamp_forward) {
     useManualClock(kJan2024);
     ZBImageCut cut;
     ASSERT_TRUE(save(cut, "http://h.com/a/pic.png", "2023.12.31T00:00:00"));
@@ -140,7 +140,7 @@ TEST_F(ZBImageCutTest, ReadingAnOldFileMovesItsStampForward) {
 // The sweep removes files created more than eight weeks ago, to the second,
 // logging each, and touches nothing outside the cache folders, even pointed
 // at the documents folder itself.
-TEST_F(ZBImageCutTest, SweepDeletesOnlyOldFilesInsideTheCacheFolders) {
+TEST_F(ZBImageCutTest, sweep_deletes_only_old_files_inside_the_cache_folders) {
     useManualClock(kJan2024);
     ZBImageCut cut;
     ASSERT_TRUE(save(cut, "http://h.com/x/old.png", ""));
@@ -176,7 +176,7 @@ TEST_F(ZBImageCutTest, SweepDeletesOnlyOldFilesInsideTheCacheFolders) {
 // Views ask for the sweep after every picture: a hundred asks sweep both
 // cache folders once, on a background queue, never on the main thread; asks
 // within the hour after are dropped, and the next one after it sweeps again.
-TEST_F(ZBImageCutTest, CleanupSweepsOnceALaunchThenHourlyOffTheMainThread) {
+TEST_F(ZBImageCutTest, cleanup_sweeps_once_a_launch_then_hourly_off_the_main_thread) {
     useManualClock(kJan2024);
     ZBImageCut cut;
     ASSERT_TRUE(save(cut, "http://h.com/x/first.png", ""));
@@ -210,7 +210,7 @@ TEST_F(ZBImageCutTest, CleanupSweepsOnceALaunchThenHourlyOffTheMainThread) {
 }
 
 // Bytes that are not a picture are never cached, and no callback runs.
-TEST_F(ZBImageCutTest, UndecodableBytesAreNotSaved) {
+TEST_F(ZBImageCutTest, undecodable_bytes_are_not_saved) {
     ZBImageCut cut;
     cut.setFileName("http://h.com/a/fake.png");
     bool called = false;
@@ -222,7 +222,7 @@ TEST_F(ZBImageCutTest, UndecodableBytesAreNotSaved) {
 
 // A reader holding the old file keeps reading all of the old bytes while the
 // cache replaces it; new readers get all of the new bytes, never a mix.
-TEST_F(ZBImageCutTest, ReplacementIsAtomicForReadersThatHoldTheFile) {
+TEST_F(ZBImageCutTest, replacement_is_atomic_for_readers_that_hold_the_file) {
     ZBImageCut cut;
     cut.setFileName("http://h.com/a/pic.png");
     const std::string first = pngBytes(300, 300, gfx::Color::redColor());
@@ -247,7 +247,7 @@ TEST_F(ZBImageCutTest, ReplacementIsAtomicForReadersThatHoldTheFile) {
 
 // Hostile addresses: whatever the names, nothing is ever written outside the
 // cache folders. Unsafe names are refused with a log line; long ones shortened.
-TEST_F(ZBImageCutTest, HostileAddressesNeverLeaveTheCacheFolders) {
+TEST_F(ZBImageCutTest, hostile_addresses_never_leave_the_cache_folders) {
     const std::vector<std::string> corpus = {
         "http://h.com/a/..",
         "http://h.com/a/.",
@@ -297,7 +297,7 @@ TEST_F(ZBImageCutTest, HostileAddressesNeverLeaveTheCacheFolders) {
 }
 
 // A link planted inside the cache that points elsewhere is not followed.
-TEST_F(ZBImageCutTest, LinksInsideTheCacheAreNotFollowed) {
+TEST_F(ZBImageCutTest, links_inside_the_cache_are_not_followed) {
     fs::create_directories(documents / "img");
     fs::create_directories(root / "elsewhere");
     fs::create_directory_symlink(root / "elsewhere", documents / "img" / "a");

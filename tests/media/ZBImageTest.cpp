@@ -46,7 +46,7 @@ class ZBImageTest : public MediaFixture {
 // The shape decides: below 0.8 fitted on the picture's corner colour, from
 // 0.8 up to 1.2 fitted on clear, from 1.2 on filled. The answer is applied on
 // the main queue, not inside the call.
-TEST_F(ZBImageTest, PicturesAreFittedOrFilledByTheirShape) {
+TEST_F(ZBImageTest, pictures_are_fitted_or_filled_by_their_shape) {
     struct Case {
         int width;
         gfx::ContentMode mode;
@@ -76,7 +76,7 @@ TEST_F(ZBImageTest, PicturesAreFittedOrFilledByTheirShape) {
 
 // A touch that ends on the view switches fit and fill with a cross-fade; two
 // touches bring back the mode from before.
-TEST_F(ZBImageTest, TwoTouchesRestoreTheContentMode) {
+TEST_F(ZBImageTest, two_touches_restore_the_content_mode) {
     resourcePicture("wide", 200, 100, gfx::Color::blueColor());
     view->addImage("wide", std::nullopt);
     host->runUntilIdle();
@@ -94,7 +94,7 @@ TEST_F(ZBImageTest, TwoTouchesRestoreTheContentMode) {
 
 // A download that fails calls nothing back: the spinner keeps turning. A view
 // released before its picture arrives is left alone.
-TEST_F(ZBImageTest, FailedDownloadsKeepTheSpinnerAndGoneViewsAreLeftAlone) {
+TEST_F(ZBImageTest, failed_downloads_keep_the_spinner_and_gone_views_are_left_alone) {
     test::LoopbackServer server;
     server.respond("/gone.png", {404, "", {}});
     view->addImage(server.address("/gone.png"), std::nullopt);
@@ -113,7 +113,7 @@ TEST_F(ZBImageTest, FailedDownloadsKeepTheSpinnerAndGoneViewsAreLeftAlone) {
 
 // The pill: picture at the left tinted white, title at the right, corners of
 // half the height; the button never calls its callbacks itself.
-TEST_F(ZBImageTest, PictureButtonLaysOutAPillAndStoresItsCallbacks) {
+TEST_F(ZBImageTest, picture_button_lays_out_a_pill_and_stores_its_callbacks) {
     auto button = std::make_shared<ZBImageButton>(gfx::Color::blueColor(), "Card", "credit");
     button->setFrame({10, 500, 200, 50});
     host->root()->addSubview(button);

@@ -28,7 +28,7 @@ class AppTest : public ::testing::Test {
 
 } // namespace
 
-TEST_F(AppTest, FoldersFollowTheIdentifierEnvironmentAndOverridesInThatOrder) {
+TEST_F(AppTest, folders_follow_the_identifier_environment_and_overrides_in_that_order) {
     EXPECT_EQ(App::documentsFolder(), "/xdg/data/com.example.gallery/Documents");
     EXPECT_EQ(App::dataFolder(), "/xdg/data/com.example.gallery");
 
@@ -45,7 +45,7 @@ TEST_F(AppTest, FoldersFollowTheIdentifierEnvironmentAndOverridesInThatOrder) {
 }
 
 // The identifier names folders: a path in disguise must not get through.
-TEST_F(AppTest, IdentifiersThatAreNotPlainNamesAreRefused) {
+TEST_F(AppTest, identifiers_that_are_not_plain_names_are_refused) {
     Log::Capture log;
     for (const char* bad : {"", "..", "../escape", "com/example", "with space", "."})
         EXPECT_FALSE(App::setIdentifier(bad)) << bad;

@@ -41,7 +41,7 @@ template <typename Condition> bool pumpUntil(Condition condition) {
 
 // Posts from several threads at once: nothing is lost, nothing runs twice,
 // each thread's blocks keep their order, and all of them run on the main thread.
-TEST(Posting, ManyThreadsPostToMainWithoutLossAndInOrder) {
+TEST(Posting, many_threads_post_to_main_without_loss_and_in_order) {
     constexpr int kThreads = 4, kPerThread = 20000;
     std::vector<std::vector<int>> seen(kThreads); // touched only on the main thread
     bool offMain = false;
@@ -72,7 +72,7 @@ TEST(Posting, ManyThreadsPostToMainWithoutLossAndInOrder) {
     }
 }
 
-TEST(Posting, GlobalQueuesRunEveryBlockAndWaitIdleWaitsForChains) {
+TEST(Posting, global_queues_run_every_block_and_wait_idle_waits_for_chains) {
     std::atomic<int> count{0};
     for (int i = 0; i < 300; ++i)
         for (Priority priority : {Priority::Background, Priority::Default, Priority::UserInitiated})
@@ -88,7 +88,7 @@ TEST(Posting, GlobalQueuesRunEveryBlockAndWaitIdleWaitsForChains) {
 
 // A serial queue runs one block at a time, in order: the unguarded vector is
 // only safe (and TSan quiet) if that holds.
-TEST(Posting, SerialQueueRunsOneBlockAtATimeInOrder) {
+TEST(Posting, serial_queue_runs_one_block_at_a_time_in_order) {
     Queue& queue = Queue::serial("myQueue");
     EXPECT_EQ(&queue, &Queue::serial("myQueue"));
     EXPECT_NE(&queue, &Queue::serial("otherQueue"));
@@ -117,7 +117,7 @@ TEST(Posting, SerialQueueRunsOneBlockAtATimeInOrder) {
 }
 
 // The photo loaders' path: background queue, then serial, then back to main.
-TEST(Posting, SettleFollowsWorkAcrossQueuesBackToMain) {
+TEST(Posting, settle_follows_work_across_queues_back_to_main) {
     std::string trail; // written on main only
     std::atomic<bool> backgroundRan{false};
     Queue::main().async([&] {
@@ -134,7 +134,7 @@ TEST(Posting, SettleFollowsWorkAcrossQueuesBackToMain) {
 
 // With the manual clock, delayed blocks for other queues wait for advance()
 // and then run on their own threads.
-TEST(Posting, ManualClockReleasesDelayedBackgroundBlocksWhenDue) {
+TEST(Posting, manual_clock_releases_delayed_background_blocks_when_due) {
     Clock::useManual();
     std::atomic<int> ran{0};
     std::atomic<bool> onMain{false};
@@ -157,7 +157,7 @@ TEST(Posting, ManualClockReleasesDelayedBackgroundBlocksWhenDue) {
     Clock::useReal();
 }
 
-TEST(Posting, RealClockReleasesDelayedBackgroundBlocksWithoutTheMainLoop) {
+TEST(Posting, real_clock_releases_delayed_background_blocks_without_the_main_loop) {
     std::atomic<bool> ran{false};
     auto start = std::chrono::steady_clock::now();
     Queue::global().after(0.02, [&] { ran = true; });
@@ -169,7 +169,7 @@ TEST(Posting, RealClockReleasesDelayedBackgroundBlocksWithoutTheMainLoop) {
 
 // The window host sleeps in its own event loop; posts from other threads must
 // wake it through the handler, once per sleep rather than once per block.
-TEST(Posting, WakeUpHandlerIsCalledForPostsFromOtherThreads) {
+TEST(Posting, wake_up_handler_is_called_for_posts_from_other_threads) {
     RunLoop::main().runUntilIdle();
     std::atomic<int> wakes{0};
     RunLoop::main().setWakeUpHandler([&] { wakes.fetch_add(1); });
@@ -189,7 +189,7 @@ TEST(Posting, WakeUpHandlerIsCalledForPostsFromOtherThreads) {
     EXPECT_TRUE(pumpUntil([&] { return ran == 102; }));
 }
 
-TEST(Posting, BlockingRunWakesForPostsAndStopsFromAnotherThread) {
+TEST(Posting, blocking_run_wakes_for_posts_and_stops_from_another_thread) {
     std::atomic<bool> ranOnMain{false};
     std::thread poster([&] {
         std::this_thread::sleep_for(20ms);
@@ -202,7 +202,7 @@ TEST(Posting, BlockingRunWakesForPostsAndStopsFromAnotherThread) {
     EXPECT_TRUE(ranOnMain.load());
 }
 
-TEST(Posting, TimersScheduledFromOtherThreadsFireOnMain) {
+TEST(Posting, timers_scheduled_from_other_threads_fire_on_main) {
     std::atomic<int> fired{0};
     std::atomic<bool> offMain{false};
     std::vector<std::shared_ptr<Timer>> kept(4);
@@ -224,7 +224,7 @@ TEST(Posting, TimersScheduledFromOtherThreadsFireOnMain) {
     EXPECT_FALSE(offMain.load());
 }
 
-TEST(Logging, LinesFromManyThreadsArriveWhole) {
+TEST(Logging, lines_from_many_threads_arrive_whole) {
     Log::Capture capture;
     std::vector<std::thread> threads;
     for (int t = 0; t < 4; ++t)
@@ -242,7 +242,7 @@ TEST(Logging, LinesFromManyThreadsArriveWhole) {
     EXPECT_TRUE(capture.contains("-zd line 5\n", Log::Channel::StandardError));
 }
 
-TEST(Logging, NestedCapturesAndSinks) {
+TEST(Logging, nested_captures_and_sinks) {
     std::vector<std::string> sunk;
     Log::setPlatformSink([&](std::string_view text) { sunk.emplace_back(text); });
     {
@@ -260,7 +260,7 @@ TEST(Logging, NestedCapturesAndSinks) {
     EXPECT_EQ(sunk, std::vector<std::string>{"to the sink"});
 }
 
-TEST(SettingsThreads, SavesFromManyThreadsAllLand) {
+TEST(SettingsThreads, saves_from_many_threads_all_land) {
     auto folder =
         std::filesystem::temp_directory_path() / ("morvane-settings-threads-" + std::to_string(getpid()));
     std::filesystem::remove_all(folder);
@@ -286,7 +286,7 @@ TEST(SettingsThreads, SavesFromManyThreadsAllLand) {
 
 // Picture downloads: many fetches at once on the global queues, each result
 // handed back to the main queue.
-TEST(FetchThreads, ParallelFetchesOnGlobalQueuesReportBackToMain) {
+TEST(FetchThreads, parallel_fetches_on_global_queues_report_back_to_main) {
     morvane::test::LoopbackServer server;
     for (int i = 0; i < 8; ++i)
         server.serve("/p" + std::to_string(i) + ".png", std::string(10000 + i, 'p'));
@@ -311,7 +311,7 @@ TEST(FetchThreads, ParallelFetchesOnGlobalQueuesReportBackToMain) {
 // The fetch queue runs a few transfers at once and keeps the rest waiting in
 // order; transfers nobody wants any more end at once, running or waiting,
 // without a request for the waiting ones ever reaching the server.
-TEST(FetchThreads, FetchQueueBoundsTransfersAndDropsUnwantedOnes) {
+TEST(FetchThreads, fetch_queue_bounds_transfers_and_drops_unwanted_ones) {
     morvane::test::LoopbackServer server;
     constexpr int kTransfers = FetchQueue::kMaxTransfers + 3;
     for (int i = 0; i < kTransfers; ++i)

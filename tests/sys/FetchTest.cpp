@@ -28,7 +28,7 @@ double secondsSince(std::chrono::steady_clock::time_point start) {
 
 } // namespace
 
-TEST(Fetch, ReadsAWholeResource) {
+TEST(Fetch, reads_a_whole_resource) {
     LoopbackServer server;
     std::string picture(300000, '\0');
     for (size_t i = 0; i < picture.size(); ++i)
@@ -44,7 +44,7 @@ TEST(Fetch, ReadsAWholeResource) {
     EXPECT_EQ(server.requestCount("/other"), 0);
 }
 
-TEST(Fetch, HttpErrorsAreFailuresWithTheirStatus) {
+TEST(Fetch, http_errors_are_failures_with_their_status) {
     LoopbackServer server;
     auto missing = fetch(server.address("/missing.png"), quick());
     EXPECT_FALSE(missing);
@@ -58,7 +58,7 @@ TEST(Fetch, HttpErrorsAreFailuresWithTheirStatus) {
 
 // A server that accepts and then says nothing must not hold the caller beyond
 // the total timeout.
-TEST(Fetch, AStallingServerEndsWithinTheTimeout) {
+TEST(Fetch, a_stalling_server_ends_within_the_timeout) {
     LoopbackServer server;
     server.stall("/slow.png");
     auto start = std::chrono::steady_clock::now();
@@ -73,7 +73,7 @@ TEST(Fetch, AStallingServerEndsWithinTheTimeout) {
 }
 
 // Nobody listening, or a connection reset before any answer.
-TEST(Fetch, BrokenConnectionsAreCleanFailures) {
+TEST(Fetch, broken_connections_are_clean_failures) {
     std::string gone;
     {
         LoopbackServer server;
@@ -92,7 +92,7 @@ TEST(Fetch, BrokenConnectionsAreCleanFailures) {
 }
 
 // Endless data and an announced size above the cap are both cut off at the cap.
-TEST(Fetch, BodiesAboveTheCapAreRefused) {
+TEST(Fetch, bodies_above_the_cap_are_refused) {
     LoopbackServer server;
     server.endless("/endless");
     auto start = std::chrono::steady_clock::now();
@@ -107,7 +107,7 @@ TEST(Fetch, BodiesAboveTheCapAreRefused) {
     EXPECT_TRUE(fetch(server.address("/exact"), quick()));
 }
 
-TEST(Fetch, RedirectsAreFollowedWithinTheLimit) {
+TEST(Fetch, redirects_are_followed_within_the_limit) {
     LoopbackServer server;
     server.redirect("/old.png", "/older.png", 301);
     server.redirect("/older.png", server.address("/new.png"));
@@ -125,7 +125,7 @@ TEST(Fetch, RedirectsAreFollowedWithinTheLimit) {
 
 // Only http and https: local files and other schemes are refused outright,
 // and so is a redirect that points to them.
-TEST(Fetch, OtherSchemesAreRefusedEvenThroughRedirects) {
+TEST(Fetch, other_schemes_are_refused_even_through_redirects) {
     for (const char* address :
          {"file:///etc/passwd", "ftp://127.0.0.1/x", "FILE:///etc/hostname", "gopher://x"})
         EXPECT_EQ(fetch(address, quick()).failure, Failure::RefusedScheme) << address;

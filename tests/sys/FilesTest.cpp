@@ -39,7 +39,7 @@ class FilesTest : public ::testing::Test, protected morvane::test::AppSandbox {
 
 } // namespace
 
-TEST_F(FilesTest, WritesReplaceWholeFilesAndLeaveNoTemporaries) {
+TEST_F(FilesTest, writes_replace_whole_files_and_leave_no_temporaries) {
     std::string bytes("\x89PNG\0\r\n\x1a\0\0binary", 16);
     fs::path file = folder / "picture.png";
     ASSERT_TRUE(Files::write(file, bytes));
@@ -60,7 +60,7 @@ TEST_F(FilesTest, WritesReplaceWholeFilesAndLeaveNoTemporaries) {
 
 // A writer killed at any moment leaves the previous file or the new one,
 // whole: never a mixture or a truncated file under the real name.
-TEST_F(FilesTest, AKilledWriterNeverLeavesAPartialFile) {
+TEST_F(FilesTest, a_killed_writer_never_leaves_a_partial_file) {
     fs::path file = folder / "cache.jpg";
     const std::string a(1 << 20, 'a'), b(1 << 20, 'b');
     ASSERT_TRUE(Files::write(file, a));
@@ -81,7 +81,7 @@ TEST_F(FilesTest, AKilledWriterNeverLeavesAPartialFile) {
     }
 }
 
-TEST_F(FilesTest, CreateFolderMakesIntermediatesAndRefusesFiles) {
+TEST_F(FilesTest, create_folder_makes_intermediates_and_refuses_files) {
     EXPECT_TRUE(Files::createFolder(folder / "img" / "images" / "food"));
     EXPECT_TRUE(Files::isFolder(folder / "img" / "images"));
     EXPECT_TRUE(Files::createFolder(folder / "img")) << "an existing folder is fine";
@@ -94,7 +94,7 @@ TEST_F(FilesTest, CreateFolderMakesIntermediatesAndRefusesFiles) {
 // Creation dates come from the kit's clock at the moment of writing, so a test
 // on the manual clock can age files; the modification date is free for the
 // picture cache's own stamp and does not disturb the creation date.
-TEST_F(FilesTest, CreationDateIsTheMomentOfWritingOnTheKitsClock) {
+TEST_F(FilesTest, creation_date_is_the_moment_of_writing_on_the_kits_clock) {
     const Date start = 1577836800; // 2020-01-01
     Clock::useManual(start);
     fs::path file = folder / "a.png";
@@ -119,7 +119,7 @@ TEST_F(FilesTest, CreationDateIsTheMomentOfWritingOnTheKitsClock) {
 // A version names one written file: dating and reading keep it, every
 // rewrite (even of the same bytes, at the same moment of a stopped clock)
 // and a removal change it. Copies decoded from a file rely on that.
-TEST_F(FilesTest, VersionsChangeWithEveryWriteAndOnlyThen) {
+TEST_F(FilesTest, versions_change_with_every_write_and_only_then) {
     Clock::useManual(1577836800);
     fs::path file = folder / "v.png";
     ASSERT_TRUE(Files::write(file, std::string_view("same")));
@@ -138,7 +138,7 @@ TEST_F(FilesTest, VersionsChangeWithEveryWriteAndOnlyThen) {
     EXPECT_FALSE(Files::read(file, read));
 }
 
-TEST_F(FilesTest, FilesWrittenByOthersUseTheFileSystemsDates) {
+TEST_F(FilesTest, files_written_by_others_use_the_file_systems_dates) {
     fs::path file = folder / "foreign.txt";
     std::ofstream(file) << "written elsewhere";
     Date now = Clock::date();
@@ -148,7 +148,7 @@ TEST_F(FilesTest, FilesWrittenByOthersUseTheFileSystemsDates) {
     EXPECT_NEAR(*Files::creationDate(file), now, 5) << "birth time, where recorded, ignores the stamp";
 }
 
-TEST_F(FilesTest, WalkIsDepthFirstAndDoesNotFollowLinks) {
+TEST_F(FilesTest, walk_is_depth_first_and_does_not_follow_links) {
     Files::createFolder(folder / "img" / "b");
     Files::createFolder(folder / "img" / "a");
     Files::createFolder(folder / "outside");
@@ -174,7 +174,7 @@ TEST_F(FilesTest, WalkIsDepthFirstAndDoesNotFollowLinks) {
     EXPECT_FALSE(Files::remove(folder / "img" / "a")) << "a folder with contents stays";
 }
 
-TEST_F(FilesTest, WalkSurvivesADeepTree) {
+TEST_F(FilesTest, walk_survives_a_deep_tree) {
     fs::path deep = folder;
     for (int i = 0; i < 1000; ++i)
         deep /= "d";
@@ -185,7 +185,7 @@ TEST_F(FilesTest, WalkSurvivesADeepTree) {
     EXPECT_EQ(entries.back().path, deep / "leaf");
 }
 
-TEST_F(FilesTest, IsInsideSeesThroughLinksAndDots) {
+TEST_F(FilesTest, is_inside_sees_through_links_and_dots) {
     Files::createFolder(folder / "docs" / "img");
     Files::createFolder(folder / "elsewhere");
     fs::create_directory_symlink(folder / "elsewhere", folder / "docs" / "img" / "escape");

@@ -46,7 +46,7 @@ void expectTimes(const std::vector<double>& actual, const std::vector<double>& e
 // The core promise of the manual clock: whatever order work was posted in, it
 // runs in the order it falls due, each item at its own time, and a timer that
 // was invalidated does not fire.
-TEST_F(ManualClock, DelayedBlocksAndTimersRunInTimeOrderAtTheirOwnTime) {
+TEST_F(ManualClock, delayed_blocks_and_timers_run_in_time_order_at_their_own_time) {
     std::vector<std::string> order;
     std::vector<double> at;
     auto note = [&](std::string name) {
@@ -69,7 +69,7 @@ TEST_F(ManualClock, DelayedBlocksAndTimersRunInTimeOrderAtTheirOwnTime) {
     EXPECT_FALSE(timer->isValid()) << "a one-shot timer ends after firing";
 }
 
-TEST_F(ManualClock, ItemsDueTogetherRunInPostingOrder) {
+TEST_F(ManualClock, items_due_together_run_in_posting_order) {
     std::string order;
     Queue::main().after(1, [&] { order += "a"; });
     Timer::schedule(1, Timer::Repeat::Once, [&](Timer&) { order += "b"; });
@@ -81,7 +81,7 @@ TEST_F(ManualClock, ItemsDueTogetherRunInPostingOrder) {
 
 // Work that a delayed block posts for "now" runs before the clock moves on to
 // later items: completions chained on a completion keep their place in time.
-TEST_F(ManualClock, WorkPostedByADueBlockRunsBeforeLaterItems) {
+TEST_F(ManualClock, work_posted_by_a_due_block_runs_before_later_items) {
     std::string order;
     Queue::main().after(1, [&] {
         order += "a";
@@ -96,7 +96,7 @@ TEST_F(ManualClock, WorkPostedByADueBlockRunsBeforeLaterItems) {
     EXPECT_EQ(order, "abcde");
 }
 
-TEST_F(ManualClock, RepeatingTimerFiresAtEachIntervalUntilInvalidated) {
+TEST_F(ManualClock, repeating_timer_fires_at_each_interval_until_invalidated) {
     std::vector<double> at;
     auto timer = Timer::schedule(0.5, Timer::Repeat::Repeating, [&](Timer& self) {
         at.push_back(elapsed());
@@ -119,7 +119,7 @@ TEST_F(ManualClock, RepeatingTimerFiresAtEachIntervalUntilInvalidated) {
 
 // Invalidation lets go of the block at once: a timer must not keep what its
 // block captured alive until it would have fired.
-TEST_F(ManualClock, InvalidatingReleasesTheBlock) {
+TEST_F(ManualClock, invalidating_releases_the_block) {
     auto token = std::make_shared<int>(1);
     std::weak_ptr<int> watch = token;
     auto timer = Timer::schedule(60, Timer::Repeat::Repeating, [token](Timer&) {});
@@ -129,7 +129,7 @@ TEST_F(ManualClock, InvalidatingReleasesTheBlock) {
     EXPECT_TRUE(watch.expired());
 }
 
-TEST_F(ManualClock, OddDelaysAreTamed) {
+TEST_F(ManualClock, odd_delays_are_tamed) {
     std::string order;
     Queue::main().after(-3, [&] { order += "negative "; });
     Queue::main().after(std::nan(""), [&] { order += "nan "; });
@@ -149,7 +149,7 @@ TEST_F(ManualClock, OddDelaysAreTamed) {
 
 // The window host's view of the loop: one pass runs what was due when it
 // started, and the time until the next item tells it how long it may sleep.
-TEST_F(ManualClock, RunDueRunsOnePassAndReportsTheNextItem) {
+TEST_F(ManualClock, run_due_runs_one_pass_and_reports_the_next_item) {
     EXPECT_EQ(loop.timeUntilNextDue(), std::nullopt);
     std::string order;
     Queue::main().async([&] {
@@ -170,7 +170,7 @@ TEST_F(ManualClock, RunDueRunsOnePassAndReportsTheNextItem) {
     EXPECT_EQ(loop.timeUntilNextDue(), std::nullopt);
 }
 
-TEST_F(ManualClock, AThrowingBlockIsLoggedAndTheLoopGoesOn) {
+TEST_F(ManualClock, a_throwing_block_is_logged_and_the_loop_goes_on) {
     Log::Capture log;
     std::string order;
     Queue::main().async([] { throw std::runtime_error("boom"); });
@@ -183,7 +183,7 @@ TEST_F(ManualClock, AThrowingBlockIsLoggedAndTheLoopGoesOn) {
     EXPECT_NE(log.texts()[0].find("boom"), std::string::npos);
 }
 
-TEST_F(ManualClock, DiscardPendingDropsEverything) {
+TEST_F(ManualClock, discard_pending_drops_everything) {
     bool ran = false;
     Queue::main().async([&] { ran = true; });
     Queue::main().after(1, [&] { ran = true; });
@@ -194,7 +194,7 @@ TEST_F(ManualClock, DiscardPendingDropsEverything) {
     EXPECT_FALSE(timer->isValid());
 }
 
-TEST(RealClock, RunStopsWhenABlockAsksAndTimersFireOnTheirOwn) {
+TEST(RealClock, run_stops_when_a_block_asks_and_timers_fire_on_their_own) {
     ASSERT_FALSE(Clock::isManual());
     EXPECT_GT(Clock::date(), 1.7e9) << "dates follow the wall clock";
     int ticks = 0;

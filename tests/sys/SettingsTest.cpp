@@ -57,7 +57,7 @@ class SettingsTest : public ::testing::Test, protected morvane::test::AppSandbox
 
 } // namespace
 
-TEST_F(SettingsTest, ValuesSurviveReopeningAndMissingKeysGiveNothing) {
+TEST_F(SettingsTest, values_survive_reopening_and_missing_keys_give_nothing) {
     {
         Settings store(file); // the folder does not exist yet
         EXPECT_TRUE(store.setText("deviceTokenSave", "abc123"));
@@ -86,7 +86,7 @@ TEST_F(SettingsTest, ValuesSurviveReopeningAndMissingKeysGiveNothing) {
 
 // NodeTree values come back equal, with flags still flags, and as copies:
 // changing what was read does not change what is stored.
-TEST_F(SettingsTest, NodeTreeValuesRoundTripAsCopies) {
+TEST_F(SettingsTest, node_tree_values_round_trip_as_copies) {
     auto airports = List::make({Value(Node::make({{"code", Value("BKK")}, {"hub", Value(true)}})),
                                 Value(Node::make({{"code", Value("HND")}, {"gates", Value(114)}}))});
     auto user =
@@ -118,7 +118,7 @@ TEST_F(SettingsTest, NodeTreeValuesRoundTripAsCopies) {
 // A writer killed with SIGKILL in the middle of saving: every save that had
 // returned (and told the parent so) is in the store afterwards, and the store
 // opens cleanly.
-TEST_F(SettingsTest, SavesThatReturnedSurviveAKilledWriter) {
+TEST_F(SettingsTest, saves_that_returned_survive_a_killed_writer) {
     int acks[2];
     ASSERT_EQ(pipe(acks), 0);
     pid_t child = fork();
@@ -153,7 +153,7 @@ TEST_F(SettingsTest, SavesThatReturnedSurviveAKilledWriter) {
     EXPECT_TRUE(asideFiles().empty());
 }
 
-TEST_F(SettingsTest, AFileThatIsNotAStoreIsMovedAsideAndReplaced) {
+TEST_F(SettingsTest, a_file_that_is_not_a_store_is_moved_aside_and_replaced) {
     fs::create_directories(file.parent_path());
     std::ofstream(file) << std::string(8192, 'Z');
     expectMovedAsideAndReplaced();
@@ -161,7 +161,7 @@ TEST_F(SettingsTest, AFileThatIsNotAStoreIsMovedAsideAndReplaced) {
 
 // Damage inside an otherwise valid database (a torn page) is found by the
 // check at opening, not later in some read.
-TEST_F(SettingsTest, AStoreWithDamagedPagesIsMovedAsideAndReplaced) {
+TEST_F(SettingsTest, a_store_with_damaged_pages_is_moved_aside_and_replaced) {
     {
         Settings store(file);
         for (int i = 0; i < 400; ++i)
@@ -177,7 +177,7 @@ TEST_F(SettingsTest, AStoreWithDamagedPagesIsMovedAsideAndReplaced) {
     expectMovedAsideAndReplaced();
 }
 
-TEST_F(SettingsTest, AStoreThatCannotBeOpenedWorksInMemoryForTheRun) {
+TEST_F(SettingsTest, a_store_that_cannot_be_opened_works_in_memory_for_the_run) {
     fs::create_directories(folder);
     std::ofstream(folder / "data") << "a file where the folder should be";
     Log::Capture log;
@@ -187,7 +187,7 @@ TEST_F(SettingsTest, AStoreThatCannotBeOpenedWorksInMemoryForTheRun) {
     EXPECT_EQ(store.text("k"), "v");
 }
 
-TEST_F(SettingsTest, TheStandardStoreLivesInTheDataFolder) {
+TEST_F(SettingsTest, the_standard_store_lives_in_the_data_folder) {
     App::setDataFolder(folder / "one");
     auto first = Settings::standard();
     EXPECT_EQ(first->file(), folder / "one" / "Settings.sqlite");
