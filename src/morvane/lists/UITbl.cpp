@@ -153,53 +153,19 @@ void UITbl::clear() {
 
 void UITbl::refresh() {
     MORVANE_ASSERT_MAIN_THREAD();
-    if (!flags_) {
-        // Never configured: the rows' own keys order them.
-        sortArray(myData_, "key", true);
-    } else if (flags_->sort) {
-        std::string_view key = "key";
-        if (listSortBy_) {
-            for (const std::string& candidate : *listSortBy_) {
-                if (hasFld(myData_, candidate)) {
-                    key = candidate;
-                    break;
-                }
-            }
-        }
-        sortArray(myData_, key, flags_->ascending);
-    }
+    if (!flags_)
+        detail::sortRowsForRefresh(myData_, std::nullopt, listSortBy_);
+    else if (flags_->sort)
+        detail::sortRowsForRefresh(myData_, flags_->ascending, listSortBy_);
     tbl_->reloadData();
 }
 
 bool UITbl::hasFld(const ListPtr& list, std::string_view key) const {
-    if (!list) return true;
-    for (const Value& element : *list) {
-        const NodePtr& node = element.node();
-        if (!node || !node->valKey(key)) return false;
-    }
-    return true;
+    return detail::rowsHaveKey(list, key);
 }
 
 void UITbl::sortArray(const ListPtr& list, std::string_view key, bool ascend) const {
-    if (!list || list->size() < 2 || list->isReadOnly()) return;
-    const List& items = *list;
-    // The values never change while the rows move, so each row is searched once.
-    std::vector<Value> found(items.size());
-    detail::SortKeys keys(items.size());
-    for (std::size_t i = 0; i < items.size(); ++i) {
-        const NodePtr& node = items[i].node();
-        if (!node || node->isReadOnly()) continue;
-        found[i] = node->valLikeKey(key);
-        if (const std::string* text = found[i].text()) keys[i] = *text;
-    }
-    const std::vector<std::size_t> order = detail::rowSortOrder(keys, ascend);
-    std::vector<Value> sorted;
-    sorted.reserve(items.size());
-    for (std::size_t index : order)
-        sorted.push_back(items[index]);
-    list->clear();
-    for (Value& row : sorted)
-        list->push(std::move(row));
+    detail::sortRows(list, key, ascend);
 }
 
 void UITbl::swap(long i, long j) {

@@ -1,5 +1,7 @@
 #include <morvane/lists/detail/RowSort.h>
 
+#include <morvane/model/List.h>
+#include <morvane/model/Node.h>
 #include <morvane/model/detail/Text.h>
 
 #include <algorithm>
@@ -46,6 +48,56 @@ std::optional<std::vector<std::size_t>> distinctSortOrder(const SortKeys& keys, 
 std::vector<std::size_t> rowSortOrder(const SortKeys& keys, bool ascend) {
     if (auto fast = distinctSortOrder(keys, ascend)) return std::move(*fast);
     return exchangeSortOrder(keys, ascend);
+}
+
+bool rowsHaveKey(const ListPtr& list, std::string_view key) {
+    if (!list) return true;
+    for (const Value& element : *list) {
+        const NodePtr& node = element.node();
+        if (!node || !node->valKey(key)) return false;
+    }
+    return true;
+}
+
+void sortRows(const ListPtr& list, std::string_view key, bool ascend) {
+    if (!list || list->size() < 2 || list->isReadOnly()) return;
+    const List& items = *list;
+    // The values never change while the rows move, so each row is searched once.
+    std::vector<Value> found(items.size());
+    SortKeys keys(items.size());
+    for (std::size_t i = 0; i < items.size(); ++i) {
+        const NodePtr& node = items[i].node();
+        if (!node || node->isReadOnly()) continue;
+        found[i] = node->valLikeKey(key);
+        if (const std::string* text = found[i].text()) keys[i] = *text;
+    }
+    const std::vector<std::size_t> order = rowSortOrder(keys, ascend);
+    std::vector<Value> sorted;
+    sorted.reserve(items.size());
+    for (std::size_t index : order)
+        sorted.push_back(items[index]);
+    list->clear();
+    for (Value& row : sorted)
+        list->push(std::move(row));
+}
+
+void sortRowsForRefresh(const ListPtr& rows, std::optional<bool> ascending,
+                        const std::optional<std::vector<std::string>>& sortBy) {
+    if (!ascending) {
+        // Never configured: the rows' own keys order them.
+        sortRows(rows, "key", true);
+        return;
+    }
+    std::string_view key = "key";
+    if (sortBy) {
+        for (const std::string& candidate : *sortBy) {
+            if (rowsHaveKey(rows, candidate)) {
+                key = candidate;
+                break;
+            }
+        }
+    }
+    sortRows(rows, key, *ascending);
 }
 
 } // namespace morvane::detail

@@ -9,8 +9,11 @@
 // no two taking part are equal (then every correct sort agrees) and nothing
 // otherwise. rowSortOrder takes the fast way when it can.
 
+#include <morvane/model/Forward.h>
+
 #include <cstddef>
 #include <optional>
+#include <string>
 #include <string_view>
 #include <vector>
 
@@ -21,5 +24,17 @@ using SortKeys = std::vector<std::optional<std::string_view>>;
 std::vector<std::size_t> exchangeSortOrder(const SortKeys& keys, bool ascend);
 std::optional<std::vector<std::size_t>> distinctSortOrder(const SortKeys& keys, bool ascend);
 std::vector<std::size_t> rowSortOrder(const SortKeys& keys, bool ascend);
+
+// ---- The row operations the list and the grid share ----------------------------
+// True when the list is empty or every element yields a value for the key
+// through valKey; stops at the first that does not (hasFld).
+bool rowsHaveKey(const ListPtr& list, std::string_view key);
+// The kit's exchange sort of the rows by the key's text through valLikeKey:
+// only mutable Nodes with such a text take part (sortArray).
+void sortRows(const ListPtr& list, std::string_view key, bool ascend);
+// The sort a refresh runs: unconfigured (no direction) by "key" ascending;
+// otherwise by the first sortBy key every row has, else "key".
+void sortRowsForRefresh(const ListPtr& rows, std::optional<bool> ascending,
+                        const std::optional<std::vector<std::string>>& sortBy);
 
 } // namespace morvane::detail
