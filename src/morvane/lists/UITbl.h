@@ -49,11 +49,11 @@
 // text to the main queue, where it lands in the cell if the cell still exists
 // (possibly showing another row by then).
 
-#include <morvane/gfx/Color.h>
-#include <morvane/gfx/Geometry.h>
 #include <morvane/components/CallbackRegistry.h>
 #include <morvane/components/ListConfig.h>
 #include <morvane/components/Translation.h>
+#include <morvane/gfx/Color.h>
+#include <morvane/gfx/Geometry.h>
 #include <morvane/model/Forward.h>
 #include <morvane/model/Value.h>
 #include <morvane/ui/collections/TableView.h>

@@ -108,8 +108,10 @@ void CollectionView::measure() {
                 return question(*delegate_, args...);
             };
         };
-        answers.sizeForItem = ask([this](CollectionViewDelegate& d, IndexPath p) { return d.sizeForItem(*this, p); });
-        answers.insetForSection = ask([this](CollectionViewDelegate& d, int s) { return d.insetForSection(*this, s); });
+        answers.sizeForItem =
+            ask([this](CollectionViewDelegate& d, IndexPath p) { return d.sizeForItem(*this, p); });
+        answers.insetForSection =
+            ask([this](CollectionViewDelegate& d, int s) { return d.insetForSection(*this, s); });
         answers.lineSpacingForSection =
             ask([this](CollectionViewDelegate& d, int s) { return d.minimumLineSpacing(*this, s); });
         answers.interitemSpacingForSection =

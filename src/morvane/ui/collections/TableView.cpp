@@ -667,7 +667,9 @@ bool TableView::beginHorizontalDrag(gfx::Point location) {
     // its delegate or release it. After any of that the drag starts nothing.
     auto keep = weak_from_this().lock();
     const std::uint64_t generation = cells_->generation();
-    auto stale = [&] { return cells_->generation() != generation || !dataSource_ || !delegate_ || !valid(*p); };
+    auto stale = [&] {
+        return cells_->generation() != generation || !dataSource_ || !delegate_ || !valid(*p);
+    };
     if (!dataSource_->canEditRow(*this, *p) || stale()) return false;
     if (!swipe_.row) {
         auto leading = delegate_->leadingSwipeActions(*this, *p);
@@ -735,7 +737,9 @@ bool TableView::openSwipeActions(IndexPath p, SwipeEdge edge) {
     if (!valid(p) || !dataSource_ || !delegate_) return false;
     // The owner's answers may reload the table or drop its delegate.
     const std::uint64_t generation = cells_->generation();
-    auto stale = [&] { return cells_->generation() != generation || !dataSource_ || !delegate_ || !valid(p); };
+    auto stale = [&] {
+        return cells_->generation() != generation || !dataSource_ || !delegate_ || !valid(p);
+    };
     if (!dataSource_->canEditRow(*this, p) || stale()) return false;
     auto leading = delegate_->leadingSwipeActions(*this, p);
     if (stale()) return false;
