@@ -18,9 +18,9 @@ TEST(ListBooking, bookData_yields_the_four_records_in_order) {
         auto record = list->at(i).node();
         ASSERT_TRUE(record) << i;
         EXPECT_FALSE(record->isReadOnly());
-        EXPECT_EQ(record->entries(),
-                  (std::vector<Node::Entry>{
-                      {"title", expected[i][0]}, {"alias", expected[i][1]}, {"list", expected[i][2]}}));
+        EXPECT_EQ(
+            record->entries(),
+            (Node::Entries{{"title", expected[i][0]}, {"alias", expected[i][1]}, {"list", expected[i][2]}}));
     }
     // Every call builds new records that the caller may change freely.
     list->at(0).node()->set("title", "changed");

@@ -9,6 +9,7 @@
 // The NodeTree operations are members, grouped by theme below; each group is
 // implemented in the source file named after it.
 
+#include <morvane/model/BlockAllocator.h>
 #include <morvane/model/Value.h>
 
 #include <cstddef>
@@ -29,7 +30,8 @@ struct TreeAccess;
 class Node : public RefCounted {
   public:
     using Entry = std::pair<std::string, Value>;
-    using const_iterator = std::vector<Entry>::const_iterator;
+    using Entries = std::vector<Entry, detail::BlockAllocator<Entry>>;
+    using const_iterator = Entries::const_iterator;
 
     Node() = default;
     Node(std::initializer_list<Entry> entries);
@@ -65,7 +67,7 @@ class Node : public RefCounted {
     bool empty() const { return entries_.empty(); }
     const_iterator begin() const { return entries_.begin(); }
     const_iterator end() const { return entries_.end(); }
-    const std::vector<Entry>& entries() const { return entries_; }
+    const Entries& entries() const { return entries_; }
     // A copy of the keys, for walks that change the Node as they go.
     std::vector<std::string> keys() const;
 
@@ -303,7 +305,7 @@ class Node : public RefCounted {
     // reference count, the index size and the flag share one word.
     std::uint32_t indexSize_ : 31 = 0;
     std::uint32_t readOnly_ : 1 = 0;
-    std::vector<Entry> entries_;
+    Entries entries_;
     // Open-addressing table of entry positions + 1 (0 marks a free slot);
     // empty while the Node is small. Kept up to date by every change, so that
     // reading a Node never writes to it. (A bare array and its size, not a

@@ -1,4 +1,5 @@
 #include <morvane/model/detail/BlockPool.h>
+#include <morvane/model/detail/FastThreadLocal.h>
 
 #include <array>
 #include <cstdint>
@@ -105,7 +106,7 @@ struct Local {
     bool ended; // and has run
 };
 
-constinit thread_local Local tLocal{};
+constinit thread_local Local tLocal MORVANE_FAST_TLS{};
 
 void flush(Local& local) noexcept;
 

@@ -21,17 +21,11 @@
 // Builds with AddressSanitizer take every block from the general heap, so
 // that a use after free of a Node or list is still caught.
 
+#include <morvane/model/BlockAllocator.h>
+
 #include <cstddef>
 
 namespace morvane::detail {
-
-// The largest block the pool serves; larger ones come from operator new.
-inline constexpr std::size_t kLargestPooledBlock = 256;
-
-// A block of `size` bytes, aligned for any of the tree's types (8 bytes).
-void* allocateBlock(std::size_t size);
-// Gives back a block from allocateBlock, with the size it was asked for.
-void freeBlock(void* block, std::size_t size) noexcept;
 
 // For measurements and tests.
 // Bytes of pooled blocks the calling thread took minus those it gave back

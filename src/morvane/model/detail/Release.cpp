@@ -1,5 +1,6 @@
 #include <morvane/model/List.h>
 #include <morvane/model/Node.h>
+#include <morvane/model/detail/FastThreadLocal.h>
 #include <morvane/model/detail/Release.h>
 
 namespace morvane::detail {
@@ -10,9 +11,7 @@ constexpr int kDeepestRelease = 128;
 
 // Plain data, so that a tree held by a thread-local and released while the
 // thread ends still finds them. Every release of a Node or list holding a
-// container reads them: the initial-exec model spares the library a call to
-// find its thread-local block each time.
-#define MORVANE_FAST_TLS __attribute__((tls_model("initial-exec")))
+// container reads them.
 constinit thread_local int tDepth MORVANE_FAST_TLS = 0;
 constinit thread_local std::vector<Value>* tDeferred MORVANE_FAST_TLS = nullptr;
 } // namespace
