@@ -29,6 +29,17 @@ struct GatherLevel : Level {
 
 void gather(const Node* root, const List* rootList, const GatherQuery& query, std::string& out) {
     std::vector<GatherLevel> stack;
+    stack.reserve(kUsualDepth);
+    auto takeText = [&](std::string_view key, const Value& value) {
+        if (query.ownValueFirst || key != query.key) return;
+        if (const std::string* text = value.text()) {
+            out += query.front;
+            out += *text;
+        }
+    };
+    // Most Nodes hold nothing to go into: their entries are read here, and a
+    // level is pushed only at the first container, to go on from there. True
+    // when the Node was read to its end.
     auto enterNode = [&](const Node& node) {
         if (query.ownValueFirst) {
             if (const std::string* own = node.get(query.key).text()) {
@@ -36,21 +47,34 @@ void gather(const Node* root, const List* rootList, const GatherQuery& query, st
                 out += *own;
             }
         }
-        stack.push_back({levelOf(node)});
+        const auto& entries = node.entries();
+        for (std::size_t i = 0; i < entries.size(); ++i) {
+            const Value& value = entries[i].second;
+            if (value.isNode() || detail::isListOfContainers(value)) {
+                stack.push_back({Level{&node, nullptr, i}});
+                return false;
+            }
+            takeText(entries[i].first, value);
+        }
+        return true;
     };
     auto enterList = [&](const List& list) { stack.push_back({levelOf(list), out.size()}); };
-    if (root)
-        enterNode(*root);
-    else
+    // An element of a list that gave no piece takes its separator back.
+    auto endElement = [&](GatherLevel& level) {
+        if (out.size() == level.pieceStart) out.resize(level.before);
+    };
+    if (root) {
+        if (enterNode(*root)) return;
+    } else {
         enterList(*rootList);
+    }
     while (!stack.empty()) {
         GatherLevel& level = stack.back();
         std::string_view key;
         const Value* value = stepToContainer(level, key);
         if (!value) {
             stack.pop_back();
-            if (!stack.empty() && stack.back().list && out.size() == stack.back().pieceStart)
-                out.resize(stack.back().before);
+            if (!stack.empty() && stack.back().list) endElement(stack.back());
             continue;
         }
         if (level.list) {
@@ -59,19 +83,17 @@ void gather(const Node* root, const List* rootList, const GatherQuery& query, st
             level.before = out.size();
             if (level.before > level.start) out += query.back;
             level.pieceStart = out.size();
-            if (value->isNode())
-                enterNode(*value->node());
-            else
+            if (value->isNode()) {
+                if (enterNode(*value->node())) endElement(level);
+            } else {
                 enterList(*value->list());
+            }
         } else if (const NodePtr& nested = value->node()) {
             enterNode(*nested);
         } else if (detail::isListOfContainers(*value)) {
             enterList(*value->list());
-        } else if (const std::string* text = value->text()) {
-            if (!query.ownValueFirst && key == query.key) {
-                out += query.front;
-                out += *text;
-            }
+        } else {
+            takeText(key, *value);
         }
     }
 }
@@ -82,7 +104,9 @@ double sum(Level root, std::string_view key) {
     struct SumLevel : Level {
         double total = 0;
     };
-    std::vector<SumLevel> stack{{root}};
+    std::vector<SumLevel> stack;
+    stack.reserve(kUsualDepth);
+    stack.push_back({root});
     for (;;) {
         SumLevel& level = stack.back();
         std::string_view entryKey;

@@ -67,7 +67,9 @@ class Purge {
     };
 
     void run(PurgeLevel root) const {
-        std::vector<PurgeLevel> stack{root};
+        std::vector<PurgeLevel> stack;
+        stack.reserve(detail::kUsualDepth);
+        stack.push_back(root);
         while (!stack.empty()) {
             PurgeLevel& level = stack.back();
             if (level.list) {

@@ -43,10 +43,18 @@ Value searchKeys(const Node* root, const List* rootList, bool hostReadOnly, cons
         bool hostReadOnly;
     };
     std::vector<KeyLevel> stack;
+    stack.reserve(detail::kUsualDepth);
+    // A Node with nothing to go into (most of them) needs no level.
     auto enter = [&](const Node& node) -> const Value* {
-        for (const auto& [key, value] : node)
-            if (value.isText() && query.matches(key)) return &value;
-        stack.push_back({detail::levelOf(node), node.isReadOnly()});
+        bool holdsContainer = false;
+        for (const auto& [key, value] : node) {
+            if (value.isText()) {
+                if (query.matches(key)) return &value;
+            } else if (!holdsContainer) {
+                holdsContainer = value.isNode() || detail::isListOfContainers(value);
+            }
+        }
+        if (holdsContainer) stack.push_back({detail::levelOf(node), node.isReadOnly()});
         return nullptr;
     };
     if (root) {
@@ -63,12 +71,12 @@ Value searchKeys(const Node* root, const List* rootList, bool hostReadOnly, cons
         }
         const bool host = stack.back().hostReadOnly;
         // A key with ">" marks a branch the key search never enters.
-        if (key.find('>') != std::string_view::npos) continue;
+        auto closed = [&] { return key.find('>') != std::string_view::npos; };
         if (const NodePtr& nested = value->node()) {
-            if (!query.enters(host, *nested)) continue;
+            if (closed() || !query.enters(host, *nested)) continue;
             if (const Value* found = enter(*nested)) return *found;
         } else if (detail::isListOfContainers(*value)) { // else nothing to search in
-            stack.push_back({detail::levelOf(*value->list()), host});
+            if (!closed()) stack.push_back({detail::levelOf(*value->list()), host});
         }
     }
     return {};

@@ -24,6 +24,10 @@
 
 namespace morvane::detail {
 
+// Levels a walk's stack makes room for at once: most trees apps receive are
+// shallower, so a walk over a small document grows its stack just once.
+inline constexpr std::size_t kUsualDepth = 32;
+
 // True for a list that holds a Node or a list: the only lists a walk enters.
 inline bool isListOfContainers(const Value& value) {
     const ListPtr& list = value.list();
