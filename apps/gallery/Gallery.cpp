@@ -1,5 +1,9 @@
 #include "Gallery.h"
 
+#include "BookingsScreen.h"
+#include "MenusScreen.h"
+#include "SampleFile.h"
+
 #include <morvane/sys/App.h>
 #include <morvane/util/Dates.h>
 
@@ -32,12 +36,41 @@ bool Gallery::start(std::string* error) {
         server_.publish(picture.path, picture.contentType, picture.day);
 
     data_.emplace(options_.resources / "venues.json", server_.address(""));
-    return data_->load(error);
+    if (!data_->load(error)) return false;
+    return readSampleFile(options_.resources / "menus.json", server_.address(""), &menusText_, error) &&
+           readSampleFile(options_.resources / "bookings.json", server_.address(""), &bookingsText_, error);
 }
 
-std::shared_ptr<VenueScreen> Gallery::makeScreen(const gfx::Rect& frame) {
-    return VenueScreen::make(frame, data_->city(), data_->tagline(), translator_,
-                             [this](int edition) { return rows(edition); });
+std::vector<Navigator::Entry> Gallery::screens() {
+    return {
+        {"venues", "Places in " + data_->city(),
+         "A table list of the city's venues: pictures from the server, texts translated from another thread, "
+         "a check mark on the tapped row, swipe actions on both sides and pull to refresh.",
+         [this](const gfx::Rect& frame, Screen::Back back) -> std::shared_ptr<Screen> {
+             return VenueScreen::make(
+                 frame, data_->city(), data_->tagline(), translator_,
+                 [this](int edition) { return rows(edition); }, std::move(back));
+         }},
+        {"menus", "Menus of " + data_->city(),
+         "A venue's menus in the header-and-grid composite: the header cycles through the menus, each "
+         "becoming "
+         "two columns of dishes with pictures and prices; the specials come from a service that answers from "
+         "another thread.",
+         [this](const gfx::Rect& frame, Screen::Back back) -> std::shared_ptr<Screen> {
+             return MenusScreen::make(frame, parseSample(menusText_), translator_, std::move(back));
+         }},
+        {"bookings", "Bookings",
+         "A hotel's front desk in the header-and-list composite: arrivals and departures through the "
+         "header's "
+         "switch, a day at a time, guests checked in, out or cancelled with a swipe.",
+         [this](const gfx::Rect& frame, Screen::Back back) -> std::shared_ptr<Screen> {
+             return BookingsScreen::make(frame, parseSample(bookingsText_), std::move(back));
+         }},
+    };
+}
+
+std::shared_ptr<Navigator> Gallery::makeApp(const gfx::Rect& frame) {
+    return Navigator::make(frame, screens(), "Morvane gallery");
 }
 
 ListPtr Gallery::rows(int edition) {

@@ -1,13 +1,14 @@
 #pragma once
 // The gallery app put together: the application's identity and folders, the
-// sample pictures on the loopback picture server, the venue data and the
+// sample pictures on the loopback picture server, the sample data and the
 // translator. Both ways of running it, the scripted tour without a display
-// and the window, build their screen from here.
+// and the window, build the app from here: a home screen and its screens.
 //
 //   Gallery gallery({.resources = ..., .scratch = ...});
 //   if (!gallery.start(&error)) ...
-//   auto screen = gallery.makeScreen({0, 0, 390, 844});
+//   auto app = gallery.makeApp({0, 0, 390, 844});
 
+#include "Navigator.h"
 #include "PictureServer.h"
 #include "SamplePictures.h"
 #include "Translator.h"
@@ -40,10 +41,12 @@ class Gallery {
     ~Gallery();
 
     // Points the kit at this run's folders, draws the pictures, starts the
-    // server and reads the venues. False with the reason when any step fails.
+    // server and reads the sample data. False with the reason when any step fails.
     bool start(std::string* error);
 
-    std::shared_ptr<VenueScreen> makeScreen(const morvane::gfx::Rect& frame);
+    // The home screen and every screen it opens.
+    std::shared_ptr<Navigator> makeApp(const morvane::gfx::Rect& frame);
+    std::vector<Navigator::Entry> screens();
 
     PictureServer& server() { return server_; }
     const std::vector<SamplePicture>& pictures() const { return pictures_; }
@@ -60,6 +63,8 @@ class Gallery {
     std::vector<SamplePicture> pictures_;
     std::shared_ptr<Translator> translator_;
     std::optional<VenueData> data_;
+    std::string menusText_;    // menus.json, server filled in
+    std::string bookingsText_; // bookings.json
 };
 
 } // namespace gallery

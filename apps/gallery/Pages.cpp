@@ -32,7 +32,7 @@ std::string escapeHtml(const std::string& text) {
 }
 
 bool writeIndex(const std::filesystem::path& folder, const std::string& heading, const std::string& intro,
-                const std::vector<Screenshot>& shots, std::string* error) {
+                const std::vector<Section>& sections, std::string* error) {
     std::string page = R"(<!DOCTYPE html>
 <html lang="en">
 <head>
@@ -42,6 +42,7 @@ bool writeIndex(const std::filesystem::path& folder, const std::string& heading,
 <style>
   body { font-family: sans-serif; background: #f4f1ea; color: #1d3557; margin: 2em auto; max-width: 60em; }
   h1 { margin-bottom: 0.2em; }
+  h2 { margin: 1.6em 0 0.2em; border-bottom: 2px solid #1d3557; }
   .shots { display: flex; flex-wrap: wrap; gap: 2em; }
   figure { margin: 0; width: 390px; }
   figure img { width: 390px; border-radius: 18px; box-shadow: 0 4px 18px rgba(0, 0, 0, 0.25); }
@@ -51,12 +52,17 @@ bool writeIndex(const std::filesystem::path& folder, const std::string& heading,
 </head>
 <body>
 <h1>)" + escapeHtml(heading) +
-                       "</h1>\n<p>" + escapeHtml(intro) + "</p>\n<div class=\"shots\">\n";
-    for (const Screenshot& shot : shots)
-        page += "<figure>\n  <img src=\"" + escapeHtml(shot.file) + "\" alt=\"" + escapeHtml(shot.title) +
-                "\">\n  <figcaption><b>" + escapeHtml(shot.title) + "</b>" + escapeHtml(shot.caption) +
-                "</figcaption>\n</figure>\n";
-    page += "</div>\n</body>\n</html>\n";
+                       "</h1>\n<p>" + escapeHtml(intro) + "</p>\n";
+    for (const Section& section : sections) {
+        page += "<section>\n<h2>" + escapeHtml(section.title) + "</h2>\n<p>" + escapeHtml(section.text) +
+                "</p>\n<div class=\"shots\">\n";
+        for (const Screenshot& shot : section.shots)
+            page += "<figure>\n  <img src=\"" + escapeHtml(shot.file) + "\" alt=\"" + escapeHtml(shot.title) +
+                    "\">\n  <figcaption><b>" + escapeHtml(shot.title) + "</b>" + escapeHtml(shot.caption) +
+                    "</figcaption>\n</figure>\n";
+        page += "</div>\n</section>\n";
+    }
+    page += "</body>\n</html>\n";
 
     const auto path = folder / "index.html";
     std::ofstream out(path, std::ios::binary | std::ios::trunc);

@@ -27,6 +27,7 @@ constexpr Entry kPhrases[] = {
     {"Best at sunset", "Superbe au coucher du soleil"},
     {"Live music tonight", "Musique live ce soir"},
     {"New this week", "Nouveau cette semaine"},
+    {"Our menus", "Nos menus"},
 };
 
 constexpr Entry kWords[] = {

@@ -1,11 +1,10 @@
 #include "VenueData.h"
 
+#include "SampleFile.h"
+
 #include <morvane/model/Json.h>
 #include <morvane/model/List.h>
 #include <morvane/model/Node.h>
-
-#include <fstream>
-#include <sstream>
 
 namespace gallery {
 
@@ -14,11 +13,6 @@ using morvane::NodePtr;
 using morvane::Value;
 
 namespace {
-
-void replaceAll(std::string& text, std::string_view what, std::string_view with) {
-    for (std::size_t at = text.find(what); at != std::string::npos; at = text.find(what, at + with.size()))
-        text.replace(at, what.size(), with);
-}
 
 bool endsWith(std::string_view text, std::string_view tail) {
     return text.size() >= tail.size() && text.substr(text.size() - tail.size()) == tail;
@@ -34,17 +28,8 @@ bool VenueData::load(std::string* error) {
         if (error) *error = file_.string() + ": " + why;
         return false;
     };
-    std::ifstream in(file_, std::ios::binary);
-    if (!in) return fail("cannot be read");
-    std::ostringstream text;
-    text << in.rdbuf();
-    text_ = text.str();
-    replaceAll(text_, "{server}", serverBase_);
-
-    auto result = morvane::json::read(text_);
-    if (!result) return fail(result.error->describe());
-    const NodePtr& root = result.value.node();
-    if (!root) return fail("the top level is not an object");
+    const NodePtr root = readSampleFile(file_, serverBase_, &text_, error);
+    if (!root) return false;
     const ListPtr& venues = root->get("venues").list();
     if (!venues || venues.get()->empty()) return fail("no \"venues\" list");
     for (const Value& venue : *venues)
@@ -79,7 +64,8 @@ ListPtr VenueData::rows(int edition, const std::vector<std::string>& updatedPict
 
 std::string displayName(const NodePtr& row) {
     std::string name = row ? row->get("name").textOr() : std::string();
-    replaceAll(name, "<en>", "");
+    for (std::size_t at = name.find("<en>"); at != std::string::npos; at = name.find("<en>", at))
+        name.erase(at, 4);
     const std::size_t cut = name.find_last_of("/-");
     return cut == std::string::npos ? name : name.substr(cut + 1);
 }

@@ -4,6 +4,7 @@
 #include "VenueData.h"
 
 #include <morvane/gfx/Font.h>
+#include <morvane/lists/UITblCell.h>
 #include <morvane/model/List.h>
 #include <morvane/model/Node.h>
 #include <morvane/sys/Queue.h>
@@ -45,8 +46,8 @@ std::shared_ptr<ui::Label> makeLabel(const gfx::Font& font, const gfx::Color& co
 } // namespace
 
 VenueScreen::VenueScreen(const gfx::Rect& frame, std::string title, std::string subtitle,
-                         std::shared_ptr<Translator> translator, RowSource rows)
-    : View(frame), translator_(std::move(translator)), rows_(std::move(rows)) {
+                         std::shared_ptr<Translator> translator, RowSource rows, Back back)
+    : Screen(frame), translator_(std::move(translator)), rows_(std::move(rows)) {
     setBackgroundColor(kBarColor);
 
     titleBar_ = std::make_shared<ui::View>();
@@ -57,6 +58,13 @@ VenueScreen::VenueScreen(const gfx::Rect& frame, std::string title, std::string 
     subtitle_->setText(std::move(subtitle));
     titleBar_->addSubview(title_);
     titleBar_->addSubview(subtitle_);
+    back_ = std::make_shared<ui::Button>();
+    back_->setTitle("‹ Home");
+    back_->setTitleColor(Colors::hex("#A8DADC"));
+    back_->addAction(ui::ControlEvent::TouchUpInside, [back = std::move(back)](ui::Control&) {
+        if (back) back();
+    });
+    titleBar_->addSubview(back_);
     addSubview(titleBar_);
 
     list_ = std::make_shared<UITbl>();
@@ -73,9 +81,9 @@ VenueScreen::VenueScreen(const gfx::Rect& frame, std::string title, std::string 
 
 std::shared_ptr<VenueScreen> VenueScreen::make(const gfx::Rect& frame, std::string title,
                                                std::string subtitle, std::shared_ptr<Translator> translator,
-                                               RowSource rows) {
+                                               RowSource rows, Back back) {
     auto screen = std::make_shared<VenueScreen>(frame, std::move(title), std::move(subtitle),
-                                                std::move(translator), std::move(rows));
+                                                std::move(translator), std::move(rows), std::move(back));
     screen->watchList();
     screen->showEdition(0);
     return screen;
@@ -187,6 +195,23 @@ void VenueScreen::showEdition(int edition) {
     list_->refresh();
 }
 
+std::string VenueScreen::waitingFor() const {
+    std::string missing;
+    for (const auto& cell : list_->tbl()->visibleCells()) {
+        auto row = std::dynamic_pointer_cast<UITblCell>(cell);
+        const auto at = list_->tbl()->indexPathForCell(*cell);
+        if (!row || !at || at->row >= static_cast<int>(list_->myData()->size())) continue;
+        const NodePtr& venue = list_->myData()->at(static_cast<std::size_t>(at->row)).node();
+        if (!venue || !venue->has("picture")) continue;
+        const bool shown =
+            !row->indicator()->isAnimating() && !row->photo()->isHidden() && !row->photo()->image().isNull();
+        if (!shown) missing += (missing.empty() ? "" : ", ") + venue->get("key").toText();
+    }
+    if (!missing.empty()) return "pictures for " + missing;
+    if (const int pending = translator_->pending()) return std::to_string(pending) + " translations";
+    return {};
+}
+
 void VenueScreen::say(const std::string& text) {
     status_->setText(text);
 }
@@ -194,6 +219,7 @@ void VenueScreen::say(const std::string& text) {
 void VenueScreen::layoutSubviews() {
     const gfx::Size size = bounds().size();
     titleBar_->setFrame({0, 0, size.width, kBarHeight});
+    back_->setFrame({8, 8, 90, 30});
     title_->setFrame({20, 44, size.width - 40, 36});
     subtitle_->setFrame({20, 78, size.width - 40, 20});
     list_->setFrame({0, kBarHeight, size.width, size.height - kBarHeight - kStatusHeight});

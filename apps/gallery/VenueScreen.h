@@ -7,13 +7,15 @@
 // and pull to refresh.
 //
 //   auto screen = VenueScreen::make(frame, "Porto Alvo", "Places to eat", translator,
-//                                   [&](int edition) { return data.rows(edition, ...); });
+//                                   [&](int edition) { return data.rows(edition, ...); }, goHome);
 //   window->addSubview(screen);
+
+#include "Screen.h"
 
 #include <morvane/lists/UITbl.h>
 #include <morvane/model/Forward.h>
+#include <morvane/ui/controls/Button.h>
 #include <morvane/ui/controls/Label.h>
-#include <morvane/ui/core/View.h>
 
 #include <functional>
 #include <memory>
@@ -33,7 +35,7 @@ struct VenueEvents {
     std::string lastSelected; // the "key" of the last select
 };
 
-class VenueScreen : public morvane::ui::View {
+class VenueScreen : public Screen {
   public:
     // Answers the rows to show: edition 0 at start, 1, 2 ... after each pull to refresh.
     using RowSource = std::function<morvane::ListPtr(int edition)>;
@@ -41,10 +43,14 @@ class VenueScreen : public morvane::ui::View {
     // Builds the screen, registers its callbacks on the list and shows edition 0.
     static std::shared_ptr<VenueScreen> make(const morvane::gfx::Rect& frame, std::string title,
                                              std::string subtitle, std::shared_ptr<Translator> translator,
-                                             RowSource rows);
+                                             RowSource rows, Back back);
     // Use make(): the callbacks need the screen to be owned already.
     VenueScreen(const morvane::gfx::Rect& frame, std::string title, std::string subtitle,
-                std::shared_ptr<Translator> translator, RowSource rows);
+                std::shared_ptr<Translator> translator, RowSource rows, Back back);
+
+    std::shared_ptr<morvane::ui::View> backControl() const override { return back_; }
+    // The visible rows whose pictures have not arrived, and translations outstanding.
+    std::string waitingFor() const override;
 
     const std::shared_ptr<morvane::UITbl>& list() const { return list_; }
     const std::shared_ptr<morvane::ui::Label>& status() const { return status_; }
@@ -70,6 +76,7 @@ class VenueScreen : public morvane::ui::View {
     void onSave(const morvane::NodePtr& row);
 
     std::shared_ptr<morvane::ui::View> titleBar_;
+    std::shared_ptr<morvane::ui::Button> back_;
     std::shared_ptr<morvane::ui::Label> title_;
     std::shared_ptr<morvane::ui::Label> subtitle_;
     std::shared_ptr<morvane::UITbl> list_;

@@ -1,6 +1,6 @@
-// morvane-gallery: the kit's sample app. Without arguments it plays a short
-// scripted tour of the venue screen without a display and writes screenshots
-// and an index.html; with --window it opens the same screen in a window.
+// morvane-gallery: the kit's sample app. Without arguments it plays a
+// scripted tour of its screens without a display and writes screenshots and
+// an index.html; with --window it opens the app in a window.
 
 #include "Gallery.h"
 #include "Tour.h"
@@ -24,15 +24,16 @@ namespace {
 
 constexpr std::string_view kUsage = R"(usage: morvane-gallery [options]
 
-Plays a scripted tour of the gallery's venue screen without a display and
-writes PNG screenshots and an index.html that shows them.
+Plays a scripted tour of the gallery's screens without a display and writes
+PNG screenshots and an index.html that shows them, screen by screen.
 
   --out DIR         where the pages go (default: ./gallery-pages)
   --scale N         screenshot pixels per point, 1 to 3 (default: 2)
   --wait SECONDS    how long to wait for pictures at each step (default: 30)
   --resources DIR   the gallery's sample data (default: the resources folder
                     beside the program)
-  --window          open the screen in a window instead (mouse for the finger)
+  --window          open the app in a window instead (mouse for the finger):
+                    its home screen lists the screens, each has a way back
   --help            this text
 )";
 
@@ -113,7 +114,7 @@ int runWindow(gallery::Gallery& gallery) {
         return 1;
     }
     const morvane::gfx::Size size = host.root()->bounds().size();
-    host.root()->addSubview(gallery.makeScreen({0, 0, size.width, size.height}));
+    host.root()->addSubview(gallery.makeApp({0, 0, size.width, size.height}));
     host.run();
     return 0;
 }

@@ -166,8 +166,9 @@ TEST(GalleryTranslator, knows_phrases_then_words_and_keeps_the_rest) {
 
 TEST_F(TempFolder, pages_escape_what_they_show_and_report_failures) {
     std::string error;
-    ASSERT_TRUE(writeIndex(dir_, "A & B", "intro <b>", {{"01 \"x\".png", "Title <script>", "Caption's text"}},
-                           &error))
+    ASSERT_TRUE(writeIndex(
+        dir_, "A & B", "intro <b>",
+        {{"Screen <i>", "Text & more", {{"01 \"x\".png", "Title <script>", "Caption's text"}}}}, &error))
         << error;
     std::ifstream in(dir_ / "index.html");
     const std::string page((std::istreambuf_iterator<char>(in)), std::istreambuf_iterator<char>());
@@ -175,6 +176,7 @@ TEST_F(TempFolder, pages_escape_what_they_show_and_report_failures) {
     EXPECT_NE(page.find("src=\"01 &quot;x&quot;.png\""), std::string::npos);
     EXPECT_NE(page.find("Title &lt;script&gt;"), std::string::npos);
     EXPECT_NE(page.find("Caption&#39;s text"), std::string::npos);
+    EXPECT_NE(page.find("<h2>Screen &lt;i&gt;</h2>\n<p>Text &amp; more</p>"), std::string::npos) << page;
     EXPECT_EQ(page.find("<script>"), std::string::npos);
 
     EXPECT_FALSE(writeIndex(dir_ / "missing", "x", "", {}, &error));
