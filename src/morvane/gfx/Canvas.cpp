@@ -12,6 +12,11 @@ namespace morvane::gfx {
 
 namespace {
 
+// Pictures drawn larger than this many device pixels are resampled on every
+// draw instead of kept resampled beside the image (a full-screen photo at
+// scale 3 is about 3 million).
+constexpr double kLargestResampled = 4096.0 * 4096.0;
+
 cairo_operator_t toCairo(BlendMode mode) {
     switch (mode) {
     case BlendMode::Normal:
@@ -530,12 +535,40 @@ void Canvas::drawImage(const Image& image, const Rect& rect, ContentMode mode) {
     Rect target = placeContent(image.size(), rect.standardized(), mode);
     if (target.isEmpty()) return;
     cairo_t* cr = impl_->cr;
-    cairo_pattern_t* pattern = cairo_pattern_create_for_surface(surface);
-    // User space to picture pixels: move to the target's corner, then scale.
-    cairo_matrix_t m;
-    cairo_matrix_init_scale(&m, image.pixelWidth() / target.width, image.pixelHeight() / target.height);
-    cairo_matrix_translate(&m, -target.x, -target.y);
-    cairo_pattern_set_matrix(pattern, &m);
+    cairo_matrix_t ctm;
+    cairo_get_matrix(cr, &ctm);
+    const double s = impl_->scale;
+    const double deviceWidth = std::round(target.width * s), deviceHeight = std::round(target.height * s);
+    cairo_pattern_t* pattern = nullptr;
+    if (ctm.xx == 1 && ctm.yy == 1 && ctm.xy == 0 && ctm.yx == 0 && deviceWidth >= 1 && deviceHeight >= 1 &&
+        deviceWidth * deviceHeight <= kLargestResampled) {
+        // The common case, an untransformed view: the picture resampled once
+        // to its size in device pixels (kept with the image for the next
+        // frame) and placed on a whole device pixel, which Cairo copies
+        // without resampling. The shift is at most half a device pixel.
+        const bool asIs = deviceWidth == image.pixelWidth() && deviceHeight == image.pixelHeight();
+        cairo_surface_t* device =
+            asIs ? cairo_surface_reference(surface)
+                 : detail::ImageAccess::resampled(image, int(deviceWidth), int(deviceHeight));
+        if (device) {
+            target = {std::round((ctm.x0 + target.x) * s) / s - ctm.x0,
+                      std::round((ctm.y0 + target.y) * s) / s - ctm.y0, deviceWidth / s, deviceHeight / s};
+            pattern = cairo_pattern_create_for_surface(device);
+            cairo_surface_destroy(device);
+            cairo_matrix_t m;
+            cairo_matrix_init_scale(&m, s, s);
+            cairo_matrix_translate(&m, -target.x, -target.y);
+            cairo_pattern_set_matrix(pattern, &m);
+        }
+    }
+    if (!pattern) {
+        pattern = cairo_pattern_create_for_surface(surface);
+        // User space to picture pixels: move to the target's corner, then scale.
+        cairo_matrix_t m;
+        cairo_matrix_init_scale(&m, image.pixelWidth() / target.width, image.pixelHeight() / target.height);
+        cairo_matrix_translate(&m, -target.x, -target.y);
+        cairo_pattern_set_matrix(pattern, &m);
+    }
     // Padding keeps a scaled picture's edges crisp instead of fading them
     // into transparency.
     cairo_pattern_set_extend(pattern, CAIRO_EXTEND_PAD);

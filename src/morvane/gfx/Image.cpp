@@ -7,6 +7,7 @@
 #include <cmath>
 #include <cstring>
 #include <fstream>
+#include <mutex>
 
 namespace morvane::gfx {
 
@@ -14,9 +15,17 @@ struct Image::Impl {
     cairo_surface_t* surface = nullptr;
     double scale = 1;
     bool opaque = false;
+    // The picture resampled to the size it was last drawn at, in device
+    // pixels: a list scrolling redraws the same pictures at the same size on
+    // every frame. Images are shared across threads, hence the lock.
+    mutable std::mutex resampledLock;
+    mutable cairo_surface_t* resampled = nullptr;
 
     Impl(cairo_surface_t* s, double sc, bool op) : surface(s), scale(sc), opaque(op) {}
-    ~Impl() { cairo_surface_destroy(surface); }
+    ~Impl() {
+        cairo_surface_destroy(surface);
+        if (resampled) cairo_surface_destroy(resampled);
+    }
     Impl(const Impl&) = delete;
     Impl& operator=(const Impl&) = delete;
 };
@@ -40,6 +49,35 @@ Image ImageAccess::adopt(cairo_surface_t* surface, double scale, bool opaque) {
     }
     if (!(scale > 0) || !std::isfinite(scale)) scale = 1;
     return Image(std::make_shared<const Image::Impl>(surface, scale, opaque));
+}
+
+cairo_surface_t* ImageAccess::resampled(const Image& image, int pixelWidth, int pixelHeight) {
+    const Image::Impl* impl = image.impl_.get();
+    if (!impl) return nullptr;
+    std::lock_guard lock(impl->resampledLock);
+    cairo_surface_t* cached = impl->resampled;
+    if (cached && cairo_image_surface_get_width(cached) == pixelWidth &&
+        cairo_image_surface_get_height(cached) == pixelHeight)
+        return cairo_surface_reference(cached);
+    cairo_surface_t* copy = createSurface(pixelWidth, pixelHeight);
+    if (!copy) return nullptr;
+    // The same filter and edge rule as a picture drawn straight with a scale.
+    cairo_t* cr = cairo_create(copy);
+    cairo_pattern_t* pattern = cairo_pattern_create_for_surface(impl->surface);
+    cairo_matrix_t m;
+    cairo_matrix_init_scale(&m, double(cairo_image_surface_get_width(impl->surface)) / pixelWidth,
+                            double(cairo_image_surface_get_height(impl->surface)) / pixelHeight);
+    cairo_pattern_set_matrix(pattern, &m);
+    cairo_pattern_set_extend(pattern, CAIRO_EXTEND_PAD);
+    cairo_set_source(cr, pattern);
+    cairo_pattern_destroy(pattern);
+    cairo_set_operator(cr, CAIRO_OPERATOR_SOURCE);
+    cairo_paint(cr);
+    cairo_destroy(cr);
+    cairo_surface_flush(copy);
+    if (cached) cairo_surface_destroy(cached);
+    impl->resampled = copy;
+    return cairo_surface_reference(copy);
 }
 
 cairo_surface_t* ImageAccess::createSurface(int pixelWidth, int pixelHeight) {

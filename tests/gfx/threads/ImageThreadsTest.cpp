@@ -36,7 +36,8 @@ TEST(ImageThreads, decode_encode_and_draw_on_several_threads) {
                 if (fromPng.pixelWidth() == 80 && fromJpeg.pixelHeight() == 60) ++decoded[t];
                 (void)picture(0.1 * t).pngData();
                 ImageContext context(Size{40, 30}, Opacity::Opaque, 1);
-                context.canvas().drawImage(shared, Rect{0, 0, 40, 30}, ContentMode::AspectFill);
+                // Each thread at its own size: the copy kept for one size is replaced by another.
+                context.canvas().drawImage(shared, Rect{0, 0, 40.0 - t, 30}, ContentMode::AspectFill);
                 (void)shared.pixelColor(3, 3);
             }
         });

@@ -13,6 +13,10 @@ struct ImageAccess {
     static cairo_surface_t* surface(const Image& image);
     // Takes over a reference to an ARGB32 image surface.
     static Image adopt(cairo_surface_t* surface, double scale, bool opaque);
+    // The picture resampled to that many pixels (a new reference, which the
+    // caller destroys), kept for the next call of the same size; null when
+    // the size is refused or the image is null.
+    static cairo_surface_t* resampled(const Image& image, int pixelWidth, int pixelHeight);
     // A new ARGB32 surface of that many pixels, zeroed; null when it is refused
     // (over the pixel limit, zero or negative sides) or cannot be allocated.
     static cairo_surface_t* createSurface(int pixelWidth, int pixelHeight);
