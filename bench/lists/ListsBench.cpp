@@ -3,7 +3,8 @@
 // drawn through the headless host; and refresh (sort plus reload) at 1,000,
 // 10,000 and 100,000 rows. Ends with one GOAL line per goal.
 
-#include <morvane/gfx/ImageContext.h>
+#include "BenchParts.h"
+
 #include <morvane/lists/UITbl.h>
 #include <morvane/lists/detail/RowSort.h>
 #include <morvane/model/List.h>
@@ -26,20 +27,12 @@
 #include <vector>
 
 using namespace morvane;
-namespace fs = std::filesystem;
 
 namespace {
 
-using Clock = std::chrono::steady_clock;
-
-double msSince(Clock::time_point start) {
-    return std::chrono::duration<double, std::milli>(Clock::now() - start).count();
-}
-
-double median(std::vector<double> values) {
-    std::sort(values.begin(), values.end());
-    return values[values.size() / 2];
-}
+using bench::Clock;
+using bench::median;
+using bench::msSince;
 
 const char* const kCategories[] = {"Hotel", "Café", "Museum", "Tour", "Restaurant", "Bar"};
 
@@ -104,20 +97,7 @@ double refreshTime(std::size_t count) {
 
 int main() {
     // Pictures by name from a private resource folder; the picture cache writes below it too.
-    const fs::path root = fs::temp_directory_path() / ("morvane-lists-bench-" + std::to_string(getpid()));
-    fs::create_directories(root / "Resources");
-    fs::create_directories(root / "Documents");
-    sys::App::setResourceFolder(root / "Resources");
-    sys::App::setDocumentsFolder(root / "Documents");
-    const char* colours[] = {"#E07A5F", "#81B29A", "#F2CC8F", "#3D405B", "#9C6644"};
-    const int widths[] = {300, 60, 100, 110, 200};
-    for (int i = 0; i < 5; ++i) {
-        gfx::ImageContext context(gfx::Size(widths[i], 100), gfx::Opacity::Opaque, 1);
-        context.canvas().fillRect(gfx::Rect(0, 0, widths[i], 100), Colors::hex(colours[i]));
-        const auto png = context.takeImage().pngData();
-        std::ofstream(root / "Resources" / ("pic" + std::to_string(i) + ".png"), std::ios::binary)
-            .write(reinterpret_cast<const char*>(png.data()), std::streamsize(png.size()));
-    }
+    bench::PictureFolder pictures("morvane-lists-bench");
 
     constexpr std::size_t kRows = 100000;
     ui::HeadlessHost host;
@@ -184,8 +164,6 @@ int main() {
 
     list.reset();
     sys::Queue::waitIdle();
-    std::error_code ignored;
-    fs::remove_all(root, ignored);
 
     const double ratio = median(ratios);
     std::printf("GOAL lists_scroll_end_vs_start measured=%.3f target=1.2 met=%s\n", ratio,
