@@ -38,9 +38,12 @@ namespace {
 
 constexpr double kScale = 3;
 
-// A data set of dishes with distinct names in random order; each names one
-// of the five resource pictures.
-NodePtr dishes(std::size_t count, unsigned seed) {
+// A data set of dishes with distinct names in random order. The dish numbered
+// n names one of the resource pictures: one of all five by n % 5, or, with
+// `byColumn`, a wide one in the left column and a square one in the right
+// (sorted by name, dish n sits at position n), so that every line of two
+// columns draws the same and the two ends of the grid compare like for like.
+NodePtr dishes(std::size_t count, unsigned seed, bool byColumn = false) {
     std::vector<std::size_t> numbers(count);
     std::iota(numbers.begin(), numbers.end(), std::size_t{0});
     std::mt19937 random(seed);
@@ -50,11 +53,12 @@ NodePtr dishes(std::size_t count, unsigned seed) {
         const std::size_t n = numbers[i];
         char name[32];
         std::snprintf(name, sizeof name, "Dish %06zu", n);
-        set->set("d" + std::to_string(i), Node::make({{"key", "k" + std::to_string(n)},
-                                                      {"name", name},
-                                                      {"price", std::to_string(4 + n % 20) + ".50"},
-                                                      {"image", "pic" + std::to_string(n % 5)},
-                                                      {"$", List::make({Node::make({{"$", "Herbs"}})})}}));
+        set->set("d" + std::to_string(i),
+                 Node::make({{"key", "k" + std::to_string(n)},
+                             {"name", name},
+                             {"price", std::to_string(4 + n % 20) + ".50"},
+                             {"image", "pic" + std::to_string(byColumn ? (n % 2) * 2 : n % 5)},
+                             {"$", List::make({Node::make({{"$", "Herbs"}})})}}));
     }
     return set;
 }
@@ -120,7 +124,7 @@ int main() {
     constexpr std::size_t kItems = 10000;
     auto menus = makeMenus(host);
     menus->addDataWhenSelectHeader("Menu-A few", dishes(12, 1));
-    menus->addDataWhenSelectHeader("Menu-Everything", dishes(kItems, 2));
+    menus->addDataWhenSelectHeader("Menu-Everything", dishes(kItems, 2, true));
     menus->refreshHeader();
     frame(host);
     settle(host);
