@@ -3,11 +3,22 @@
 #include <morvane/sys/Queue.h>
 #include <morvane/ui/core/Window.h>
 
+#include <algorithm>
+#include <cmath>
+
 namespace morvane::test {
 
 void configure(UITbl& list, const ListConfig& c) {
     list.cfg(c.image, c.header, c.body, c.price, c.sort, c.sortBy, c.ascending, c.cellHeight, c.numOfCol,
              c.checkBox, c.select, c.incKey);
+}
+
+::testing::AssertionResult sameRect(const gfx::Rect& a, const gfx::Rect& b) {
+    const double d[] = {a.x - b.x, a.y - b.y, a.width - b.width, a.height - b.height};
+    if (std::all_of(std::begin(d), std::end(d), [](double v) { return std::abs(v) < 1e-9; }))
+        return ::testing::AssertionSuccess();
+    return ::testing::AssertionFailure()
+           << "off by (" << d[0] << ", " << d[1] << ", " << d[2] << ", " << d[3] << ")";
 }
 
 void ListsFixture::SetUp() {

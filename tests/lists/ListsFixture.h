@@ -26,6 +26,9 @@ namespace morvane::test {
 // configures a list goes through it.
 void configure(UITbl& list, const ListConfig& config);
 
+// Frames go through centre and bounds, so they may differ in the last bit.
+::testing::AssertionResult sameRect(const gfx::Rect& a, const gfx::Rect& b);
+
 class ListsFixture : public testing::Test, protected AppSandbox {
   protected:
     void SetUp() override;

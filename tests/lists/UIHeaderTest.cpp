@@ -215,13 +215,6 @@ TEST_F(UIHeaderTest, registration_and_the_back_button) {
     EXPECT_EQ(backs, (Texts{"[]"}));
 }
 
-void expectNear(const gfx::Rect& actual, const gfx::Rect& expected, const char* what) {
-    EXPECT_NEAR(actual.x, expected.x, 1e-9) << what;
-    EXPECT_NEAR(actual.y, expected.y, 1e-9) << what;
-    EXPECT_NEAR(actual.width, expected.width, 1e-9) << what;
-    EXPECT_NEAR(actual.height, expected.height, 1e-9) << what;
-}
-
 // The layout table at two sizes.
 TEST_F(UIHeaderTest, layout_follows_the_bar_size) {
     const double t = UIHeader::getTextHeight();
@@ -230,19 +223,22 @@ TEST_F(UIHeaderTest, layout_follows_the_bar_size) {
         header->setFrame({0, 0, size.width, size.height});
         host->runUntilIdle();
         const double w = size.width, h = size.height, s = h / 2;
-        expectNear(header->backBtn()->frame(), gfx::Rect(0.2 * s, 0, w, 0.8 * (h - s)), "backBtn");
-        expectNear(header->photo()->frame(), gfx::Rect(0.2 * s, 0.8 * (h - s), s, s), "photo");
+        EXPECT_TRUE(sameRect(header->backBtn()->frame(), gfx::Rect(0.2 * s, 0, w, 0.8 * (h - s))))
+            << "backBtn";
+        EXPECT_TRUE(sameRect(header->photo()->frame(), gfx::Rect(0.2 * s, 0.8 * (h - s), s, s))) << "photo";
         EXPECT_DOUBLE_EQ(header->photo()->layer().cornerRadius(), s / 2);
-        expectNear(header->titleLbl()->frame(), gfx::Rect(1.4 * s, 0.8 * (h - s), w - 1.5 * s, 0.6 * f),
-                   "titleLbl");
+        EXPECT_TRUE(
+            sameRect(header->titleLbl()->frame(), gfx::Rect(1.4 * s, 0.8 * (h - s), w - 1.5 * s, 0.6 * f)))
+            << "titleLbl";
         const double titleBottom = 0.8 * (h - s) + 0.6 * f;
         EXPECT_EQ(header->subtitleLbl()->frame(),
                   gfx::Rect(1.5 * s, titleBottom, w - 1.5 * s, h - titleBottom));
-        expectNear(header->selectionBtn()->frame(), gfx::Rect(0.68 * w, 0.8 * (h - t), 0.3 * w, t),
-                   "selectionBtn");
-        expectNear(header->toaster()->frame(), gfx::Rect(0, h, w, 0.5 * f), "toaster");
-        expectNear(header->segmentedControl()->frame(), gfx::Rect(0.34 * w, h - 0.55 * t, 0.32 * w, 0.5 * t),
-                   "segmentedControl");
+        EXPECT_TRUE(sameRect(header->selectionBtn()->frame(), gfx::Rect(0.68 * w, 0.8 * (h - t), 0.3 * w, t)))
+            << "selectionBtn";
+        EXPECT_TRUE(sameRect(header->toaster()->frame(), gfx::Rect(0, h, w, 0.5 * f))) << "toaster";
+        EXPECT_TRUE(sameRect(header->segmentedControl()->frame(),
+                             gfx::Rect(0.34 * w, h - 0.55 * t, 0.32 * w, 0.5 * t)))
+            << "segmentedControl";
         EXPECT_DOUBLE_EQ(header->layer().shadowRadius(), 0.02 * w);
     }
 }

@@ -6,12 +6,11 @@
 #include <morvane/gfx/TextMetrics.h>
 #include <morvane/ui/core/Window.h>
 
-#include <algorithm>
-#include <cmath>
 #include <tuple>
 
 using namespace morvane;
 using morvane::test::ListsFixture;
+using morvane::test::sameRect;
 
 namespace {
 
@@ -34,15 +33,6 @@ class UITblCellTest : public ListsFixture {
     }
     std::shared_ptr<UITblCell> cell;
 };
-
-// Frames go through centre and bounds, so they may differ in the last bit.
-::testing::AssertionResult sameRect(const gfx::Rect& a, const gfx::Rect& b) {
-    const double d[] = {a.x - b.x, a.y - b.y, a.width - b.width, a.height - b.height};
-    if (std::all_of(std::begin(d), std::end(d), [](double v) { return std::abs(v) < 1e-9; }))
-        return ::testing::AssertionSuccess();
-    return ::testing::AssertionFailure()
-           << "off by (" << d[0] << ", " << d[1] << ", " << d[2] << ", " << d[3] << ")";
-}
 
 } // namespace
 

@@ -109,36 +109,27 @@ TEST(Storage, every_way_of_putting_a_node_into_a_number_list_is_seen) {
     };
     auto hit = [] { return Value(node({{"k", "x"}})); };
 
-    {
+    // Each change, seen through the Value that holds the list and through a
+    // copy of it made before the change.
+    const std::pair<const char*, std::function<void(List&)>> changes[] = {
+        {"replace", [&](List& l) { l.replace(1, hit()); }},
+        {"insert", [&](List& l) { l.insert(1, hit()); }},
+        {"clear then push", [&](List& l) { l.clear(), l.push(2), l.push(hit()); }},
+    };
+    for (const auto& [name, change] : changes) {
         ListPtr l = List::make({1, 2});
         Value holder(l);
         Value copy = holder;
-        l->replace(1, hit());
-        EXPECT_EQ(found(copy), "x|xx|");
+        change(*l);
+        EXPECT_EQ(found(holder), "x|xx|") << name;
+        EXPECT_EQ(found(copy), "x|xx|") << name;
     }
-    {
-        ListPtr l = List::make({1, 2});
-        Value holder(l);
-        l->insert(1, hit());
-        EXPECT_EQ(found(holder), "x|xx|");
-    }
-    {
-        ListPtr l = List::make({"a"});
-        Value holder(l);
-        l->copyAll(list({node({{"k", node({{"inner", "y"}})}})}));
-        EXPECT_EQ(found(holder), "||node");
-        // A list search gives the element that holds the hit.
-        NodePtr root = node({{"entry", holder}});
-        EXPECT_EQ(root->nodeKey("k")->get("k").node()->get("inner").textOr(), "y");
-    }
-    {
-        ListPtr l = List::make({1});
-        Value holder(l);
-        l->clear();
-        l->push(2);
-        l->push(hit());
-        EXPECT_EQ(found(holder), "x|xx|");
-    }
+    ListPtr l = List::make({"a"});
+    Value holder(l);
+    l->copyAll(list({node({{"k", node({{"inner", "y"}})}})}));
+    EXPECT_EQ(found(holder), "||node");
+    // A list search gives the element that holds the hit.
+    EXPECT_EQ(node({{"entry", holder}})->nodeKey("k")->get("k").node()->get("inner").textOr(), "y");
 }
 
 namespace {

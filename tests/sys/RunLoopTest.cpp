@@ -69,31 +69,25 @@ TEST_F(ManualClock, delayed_blocks_and_timers_run_in_time_order_at_their_own_tim
     EXPECT_FALSE(timer->isValid()) << "a one-shot timer ends after firing";
 }
 
-TEST_F(ManualClock, items_due_together_run_in_posting_order) {
+// Items due together run in posting order; work that a delayed block posts
+// for "now" runs before the clock moves on to later items: completions
+// chained on a completion keep their place in time.
+TEST_F(ManualClock, items_due_together_keep_posting_order_and_chained_work_keeps_its_place) {
     std::string order;
     Queue::main().after(1, [&] { order += "a"; });
     Timer::schedule(1, Timer::Repeat::Once, [&](Timer&) { order += "b"; });
-    Queue::main().after(1, [&] { order += "c"; });
-    Queue::main().async([&] { order += "0"; });
-    loop.advance(1);
-    EXPECT_EQ(order, "0abc");
-}
-
-// Work that a delayed block posts for "now" runs before the clock moves on to
-// later items: completions chained on a completion keep their place in time.
-TEST_F(ManualClock, work_posted_by_a_due_block_runs_before_later_items) {
-    std::string order;
     Queue::main().after(1, [&] {
-        order += "a";
-        Queue::main().async([&] { order += "b"; });
-        Queue::main().after(0.5, [&] { order += "d"; });
+        order += "c";
+        Queue::main().async([&] { order += "d"; });
+        Queue::main().after(0.5, [&] { order += "f"; });
     });
-    Queue::main().after(1.2, [&] { order += "c"; });
-    Queue::main().after(2, [&] { order += "e"; });
+    Queue::main().async([&] { order += "0"; });
+    Queue::main().after(1.2, [&] { order += "e"; });
+    Queue::main().after(2, [&] { order += "g"; });
     loop.advance(1.9);
-    EXPECT_EQ(order, "abcd");
+    EXPECT_EQ(order, "0abcdef");
     loop.advance(0.2);
-    EXPECT_EQ(order, "abcde");
+    EXPECT_EQ(order, "0abcdefg");
 }
 
 TEST_F(ManualClock, repeating_timer_fires_at_each_interval_until_invalidated) {
@@ -115,17 +109,15 @@ TEST_F(ManualClock, repeating_timer_fires_at_each_interval_until_invalidated) {
     other->invalidate();
     loop.advance(5);
     EXPECT_EQ(count, 2);
-}
 
-// Invalidation lets go of the block at once: a timer must not keep what its
-// block captured alive until it would have fired.
-TEST_F(ManualClock, invalidating_releases_the_block) {
+    // Invalidation lets go of the block at once: a timer must not keep what
+    // its block captured alive until it would have fired.
     auto token = std::make_shared<int>(1);
     std::weak_ptr<int> watch = token;
-    auto timer = Timer::schedule(60, Timer::Repeat::Repeating, [token](Timer&) {});
+    auto holder = Timer::schedule(60, Timer::Repeat::Repeating, [token](Timer&) {});
     token.reset();
     EXPECT_FALSE(watch.expired());
-    timer->invalidate();
+    holder->invalidate();
     EXPECT_TRUE(watch.expired());
 }
 

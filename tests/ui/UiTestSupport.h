@@ -41,4 +41,11 @@ inline std::shared_ptr<View> makeView(const gfx::Rect& frame) {
     return std::make_shared<View>(frame);
 }
 
+// A plain view filled with one colour.
+inline std::shared_ptr<View> box(const gfx::Rect& frame, const gfx::Color& color) {
+    auto view = std::make_shared<View>(frame);
+    view->setBackgroundColor(color);
+    return view;
+}
+
 } // namespace morvane::ui::testing

@@ -7,6 +7,8 @@
 #include <morvane/ui/core/Window.h>
 #include <morvane/ui/hosts/HeadlessHost.h>
 
+#include "UiTestSupport.h"
+
 #include <Snapshot.h>
 
 #include <gtest/gtest.h>
@@ -14,11 +16,7 @@
 namespace morvane::ui {
 namespace {
 
-std::shared_ptr<View> box(const gfx::Rect& frame, const gfx::Color& color) {
-    auto view = std::make_shared<View>(frame);
-    view->setBackgroundColor(color);
-    return view;
-}
+using testing::box;
 
 TEST(Animation, model_is_final_at_once_while_the_screen_moves_by_the_clock) {
     HeadlessHost host;

@@ -10,6 +10,8 @@
 #include <morvane/ui/core/Window.h>
 #include <morvane/ui/hosts/HeadlessHost.h>
 
+#include "UiTestSupport.h"
+
 #include <Snapshot.h>
 
 #include <gtest/gtest.h>
@@ -19,11 +21,7 @@
 namespace morvane::ui {
 namespace {
 
-std::shared_ptr<View> box(const gfx::Rect& frame, const gfx::Color& color) {
-    auto view = std::make_shared<View>(frame);
-    view->setBackgroundColor(color);
-    return view;
-}
+using testing::box;
 
 // A landscape picture with features in every corner, so aspect fill and
 // clipping show in the snapshot.
