@@ -176,6 +176,32 @@ TEST_F(LoaderTest, failed_downloads_leave_no_callback_and_no_file) {
     EXPECT_EQ(server.requestCount("/page.png"), 1);
 }
 
+// Hostile addresses served by a real server: every picture is delivered, and
+// nothing is written outside the cache folders.
+TEST_F(LoaderTest, hostile_addresses_are_delivered_but_never_written_outside) {
+    const std::string picture = pngBytes(3, 3, gfx::Color::redColor());
+    server.serve("/a", picture, "image/png");
+    server.serve("/%2e%2e/%2e%2e/x.png", picture, "image/png");
+    server.serve("/a%252F..%252Fx.png", picture, "image/png");
+    server.serve("/a\\..\\x.png", picture, "image/png");
+    server.serve("/" + std::string(600, 'n') + ".png", picture, "image/png");
+    const std::vector<std::string> addresses = {
+        server.address("/a/.."),
+        server.address("/a/%2F.."),
+        server.address("/%2e%2e/%2e%2e/x.png"),
+        server.address("/a%252F..%252Fx.png"),
+        server.address("/a\\..\\x.png"),
+        server.address("/" + std::string(600, 'n') + ".png"),
+    };
+    Outcome outcome;
+    for (const auto& address : addresses)
+        ZBImageModel().taskWithName(address, std::nullopt, outcome.callback());
+    sys::Queue::waitIdle();
+    for (const auto& file : filesBelowRoot())
+        EXPECT_TRUE(file.rfind("Documents/img/", 0) == 0) << file;
+    EXPECT_GE(outcome.count(), 3u);
+}
+
 // Concurrent requests for one address share one transfer and one write; each
 // still gets its own callback, on a global queue.
 TEST_F(LoaderTest, concurrent_requests_for_one_address_share_one_fetch) {
