@@ -16,26 +16,13 @@ namespace gallery {
 using namespace morvane;
 
 namespace {
-const gfx::Color kBarColor = Colors::hex("#14213D");
-const gfx::Color kCheckInColor = Colors::hex("#2A9D8F");
-const gfx::Color kCancelColor = Colors::hex("#E76F51");
-constexpr double kStatusHeight = 44;
 using Keys = std::vector<std::string>;
 } // namespace
 
 BookingsScreen::BookingsScreen(const gfx::Rect& frame, NodePtr bookings)
-    : Screen(frame), bookings_(bookings ? std::move(bookings) : Node::make()) {
-    setBackgroundColor(kBarColor);
-    composite_ = std::make_shared<UITblHdrAll>(UITblHdrAll::Form::List, gfx::Rect{});
-    addSubview(composite_);
-    status_ = std::make_shared<ui::Label>();
-    status_->setFont(gfx::Font::systemFont(14));
-    status_->setTextColor(Colors::hex("#F1FAEE"));
-    status_->setTextAlignment(gfx::TextAlignment::Center);
-    status_->setBackgroundColor(kBarColor);
-    status_->setText("Switch arrivals and departures · tap the day · swipe a guest");
-    addSubview(status_);
-}
+    : CompositeScreen(frame, std::make_shared<UITblHdrAll>(UITblHdrAll::Form::List, gfx::Rect{}),
+                      "Switch arrivals and departures · tap the day · swipe a guest"),
+      bookings_(bookings ? std::move(bookings) : Node::make()) {}
 
 std::shared_ptr<BookingsScreen> BookingsScreen::make(const gfx::Rect& frame, NodePtr bookings, Back back) {
     auto screen = std::make_shared<BookingsScreen>(frame, std::move(bookings));
@@ -44,7 +31,7 @@ std::shared_ptr<BookingsScreen> BookingsScreen::make(const gfx::Rect& frame, Nod
 }
 
 void BookingsScreen::wire(Back back) {
-    auto& composite = *composite_;
+    auto& composite = *this->composite();
     composite.cfg({
         .header = [](Keys& header) { header = {"name"}; },
         .body =
@@ -57,7 +44,7 @@ void BookingsScreen::wire(Back back) {
         .cellHeight = [](float& lines) { lines = 4; },
         .checkBox = [](bool& checkBox) { checkBox = true; },
     });
-    composite.setBackgroundColor(Colors::hex("#1D3557"));
+    composite.setBackgroundColor(style::kList);
 
     std::weak_ptr<BookingsScreen> weak = std::static_pointer_cast<BookingsScreen>(shared_from_this());
     composite.watchTbl(
@@ -77,20 +64,18 @@ void BookingsScreen::wire(Back back) {
             row->set("done", done.empty() ? Value() : Value("✓ " + done));
         },
         {});
-    composite.watchSwipe("Check in/out", kCheckInColor, [weak](long, const NodePtr& row) {
+    composite.watchSwipe("Check in/out", style::kGo, [weak](long, const NodePtr& row) {
         if (auto self = weak.lock())
             self->mark(row, self->segment_ == "Arrivals" ? "Checked in" : "Checked out");
     });
-    composite.watchSwipeLeft("Cancel", kCancelColor, [weak](long, const NodePtr& row) {
+    composite.watchSwipeLeft("Cancel", style::kStop, [weak](long, const NodePtr& row) {
         if (auto self = weak.lock()) self->mark(row, "Cancelled");
     });
     composite.watchSubtitle(0, [weak](const std::string& title) {
         if (auto self = weak.lock()) self->showSegment(title);
         return -1L; // the tapped segment stays selected
     });
-    composite.watchHdrBack("Home", [back = std::move(back)](const std::string&) {
-        if (back) back();
-    });
+    watchBack(std::move(back));
     composite.addHeaderTitle(bookings_->get("title").textOr());
     composite.addHeaderSubtitle(bookings_->get("subtitle").textOr());
     composite.addHeaderImage(bookings_->get("photo").textOr(), std::nullopt);
@@ -99,24 +84,24 @@ void BookingsScreen::wire(Back back) {
 
 void BookingsScreen::showSegment(const std::string& title) {
     segment_ = title;
-    composite_->clearHeader();
+    composite()->clearHeader();
     const char* section = title == "Departures" ? "departures" : "arrivals";
     if (const NodePtr& days = bookings_->get(section).node())
         for (const auto& [day, guests] : *days)
-            composite_->addDataWhenSelectHeader(day, guests);
-    composite_->refreshHeader();
+            composite()->addDataWhenSelectHeader(day, guests);
+    composite()->refreshHeader();
     say(title + " · tap the day for the next one");
 }
 
 bool BookingsScreen::showDay(const std::string& day) {
-    if (!composite_->currentSel(day)) {
+    if (!composite()->currentSel(day)) {
         say("No list for " + day);
         return false;
     }
     // The header shows the day and hands its guests to the rows.
-    const ListPtr& days = composite_->headerUI()->mySelection();
+    const ListPtr& days = composite()->headerUI()->mySelection();
     for (std::size_t i = 0; i < days->size(); ++i)
-        if (days->at(i).toText().ends_with("-" + day)) composite_->headerUI()->addSelection(long(i));
+        if (days->at(i).toText().ends_with("-" + day)) composite()->headerUI()->addSelection(long(i));
     say(segment_ + " · " + day);
     return true;
 }
@@ -131,24 +116,10 @@ void BookingsScreen::mark(const NodePtr& row, const std::string& what) {
     done_[row->get("key").toText()] = what;
     swipeMessage_ = what + ": " + displayName(row);
     // Redraw once the swipe's own handling is over, so the row shows its new line.
-    std::weak_ptr<UITblHdrAll> composite = composite_;
+    std::weak_ptr<UITblHdrAll> composite = this->composite();
     sys::Queue::main().async([composite] {
         if (auto alive = composite.lock()) (alive->tblUI() ? alive->tblUI()->refresh() : void());
     });
-}
-
-std::shared_ptr<ui::View> BookingsScreen::backControl() const {
-    return composite_->headerUI()->backBtn();
-}
-
-void BookingsScreen::say(const std::string& text) {
-    status_->setText(text);
-}
-
-void BookingsScreen::layoutSubviews() {
-    const gfx::Size size = bounds().size();
-    composite_->setFrame({0, 0, size.width, size.height - kStatusHeight});
-    status_->setFrame({0, size.height - kStatusHeight, size.width, kStatusHeight});
 }
 
 } // namespace gallery

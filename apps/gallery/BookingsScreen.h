@@ -8,11 +8,9 @@
 //
 //   auto screen = BookingsScreen::make(frame, parseSample(bookingsText), goHome);
 
-#include "Screen.h"
+#include "CompositeScreen.h"
 
-#include <morvane/lists/UITblHdrAll.h>
 #include <morvane/model/Forward.h>
-#include <morvane/ui/controls/Label.h>
 
 #include <map>
 #include <memory>
@@ -20,15 +18,13 @@
 
 namespace gallery {
 
-class BookingsScreen : public Screen {
+class BookingsScreen : public CompositeScreen {
   public:
     static std::shared_ptr<BookingsScreen> make(const morvane::gfx::Rect& frame, morvane::NodePtr bookings,
                                                 Back back);
     // Use make(): the callbacks need the screen to be owned already.
     BookingsScreen(const morvane::gfx::Rect& frame, morvane::NodePtr bookings);
 
-    const std::shared_ptr<morvane::UITblHdrAll>& composite() const { return composite_; }
-    const std::shared_ptr<morvane::ui::Label>& status() const { return status_; }
     // "Arrivals" or "Departures".
     const std::string& segment() const { return segment_; }
     // What the desk did with a booking ("" when nothing yet).
@@ -38,20 +34,12 @@ class BookingsScreen : public Screen {
     // unknown day leaves the list as it is and the header says so.
     bool showDay(const std::string& day);
 
-    std::shared_ptr<morvane::ui::View> backControl() const override;
-
-  protected:
-    void layoutSubviews() override;
-
   private:
     void wire(Back back);
     void showSegment(const std::string& title);
     void mark(const morvane::NodePtr& row, const std::string& what);
-    void say(const std::string& text);
 
     morvane::NodePtr bookings_;
-    std::shared_ptr<morvane::UITblHdrAll> composite_;
-    std::shared_ptr<morvane::ui::Label> status_;
     std::string segment_;
     std::map<std::string, std::string> done_; // booking key -> what was done
     std::string swipeMessage_;                // what a swipe action just did, for the select after it

@@ -24,10 +24,7 @@ std::shared_ptr<BookingsScreen> desk(TourContext& tour) {
 }
 
 std::string guestKeys(TourContext& tour) {
-    std::string keys;
-    for (const Value& guest : *desk(tour)->composite()->tblUI()->myData())
-        keys += (keys.empty() ? "" : " ") + (guest.node() ? guest.node()->get("key").toText() : "?");
-    return keys;
+    return TourContext::keysOf(desk(tour)->composite()->tblUI()->myData());
 }
 
 // The header shows the day and the rows are that day's guests (sorted by name).

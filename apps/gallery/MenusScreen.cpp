@@ -18,24 +18,12 @@ namespace gallery {
 using namespace morvane;
 
 namespace {
-const gfx::Color kBarColor = Colors::hex("#14213D");
-constexpr double kStatusHeight = 44;
 using Keys = std::vector<std::string>;
 } // namespace
 
 MenusScreen::MenusScreen(const gfx::Rect& frame, NodePtr menus, std::shared_ptr<Translator> translator)
-    : Screen(frame), menus_(std::move(menus)), translator_(std::move(translator)) {
-    setBackgroundColor(kBarColor);
-    composite_ = UITblHdrAll::initTbl();
-    addSubview(composite_);
-    status_ = std::make_shared<ui::Label>();
-    status_->setFont(gfx::Font::systemFont(14));
-    status_->setTextColor(Colors::hex("#F1FAEE"));
-    status_->setTextAlignment(gfx::TextAlignment::Center);
-    status_->setBackgroundColor(kBarColor);
-    status_->setText("Tap the menu's name for the next one · tap a dish");
-    addSubview(status_);
-}
+    : CompositeScreen(frame, UITblHdrAll::initTbl(), "Tap the menu's name for the next one · tap a dish"),
+      menus_(std::move(menus)), translator_(std::move(translator)) {}
 
 std::shared_ptr<MenusScreen> MenusScreen::make(const gfx::Rect& frame, NodePtr menus,
                                                std::shared_ptr<Translator> translator, Back back) {
@@ -46,7 +34,7 @@ std::shared_ptr<MenusScreen> MenusScreen::make(const gfx::Rect& frame, NodePtr m
 
 void MenusScreen::wire(Back back) {
     const NodePtr menus = menus_ ? menus_ : Node::make();
-    auto& composite = *composite_;
+    auto& composite = *this->composite();
     composite.cfg({
         .image = [](Keys& image) { image = {"picture"}; },
         .header = [](Keys& header) { header = {"name"}; },
@@ -57,7 +45,7 @@ void MenusScreen::wire(Back back) {
         .numOfCol = [](float& columns) { columns = 2; },
         .checkBox = [](bool& checkBox) { checkBox = true; },
     });
-    composite.setBackgroundColor(Colors::hex("#1D3557"));
+    composite.setBackgroundColor(style::kList);
 
     // The screen owns the composite: its callbacks hold the screen weakly.
     std::weak_ptr<MenusScreen> weak = std::static_pointer_cast<MenusScreen>(shared_from_this());
@@ -82,9 +70,7 @@ void MenusScreen::wire(Back back) {
             ++service->answers;
         });
     });
-    composite.watchHdrBack("Home", [back = std::move(back)](const std::string&) {
-        if (back) back();
-    });
+    watchBack(std::move(back));
 
     composite.addHeaderTitle(menus->get("title").textOr());
     composite.addHeaderSubtitle(menus->get("subtitle").textOr());
@@ -95,13 +81,9 @@ void MenusScreen::wire(Back back) {
     composite.refreshHeader();
 }
 
-std::shared_ptr<ui::View> MenusScreen::backControl() const {
-    return composite_->headerUI()->backBtn();
-}
-
 std::string MenusScreen::waitingFor() const {
     if (serviceAnswers() < serviceRequests()) return "the kitchen's answer";
-    const auto& grid = *composite_->ctblUI()->tbl();
+    const auto& grid = *composite()->ctblUI()->tbl();
     std::string missing;
     for (const auto& cell : grid.visibleCells()) {
         auto tile = std::dynamic_pointer_cast<UICTblCell>(cell);
@@ -111,19 +93,9 @@ std::string MenusScreen::waitingFor() const {
         if (!shown) missing += (missing.empty() ? "" : ", ") + tile->headLbl()->text();
     }
     if (!missing.empty()) return "pictures for " + missing;
-    if (composite_->headerUI()->photo()->image().isNull()) return "the venue's photo";
+    if (composite()->headerUI()->photo()->image().isNull()) return "the venue's photo";
     if (const int pending = translator_->pending()) return std::to_string(pending) + " translations";
     return {};
-}
-
-void MenusScreen::say(const std::string& text) {
-    status_->setText(text);
-}
-
-void MenusScreen::layoutSubviews() {
-    const gfx::Size size = bounds().size();
-    composite_->setFrame({0, 0, size.width, size.height - kStatusHeight});
-    status_->setFrame({0, size.height - kStatusHeight, size.width, kStatusHeight});
 }
 
 } // namespace gallery

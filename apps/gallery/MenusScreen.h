@@ -9,11 +9,9 @@
 //
 //   auto screen = MenusScreen::make(frame, parseSample(menusText), translator, goHome);
 
-#include "Screen.h"
+#include "CompositeScreen.h"
 
-#include <morvane/lists/UITblHdrAll.h>
 #include <morvane/model/Forward.h>
-#include <morvane/ui/controls/Label.h>
 
 #include <atomic>
 #include <memory>
@@ -23,7 +21,7 @@ namespace gallery {
 
 class Translator;
 
-class MenusScreen : public Screen {
+class MenusScreen : public CompositeScreen {
   public:
     // Seconds (on the kit's clock) the kitchen's service takes to answer.
     static constexpr double kServiceDelay = 0.6;
@@ -34,22 +32,15 @@ class MenusScreen : public Screen {
     MenusScreen(const morvane::gfx::Rect& frame, morvane::NodePtr menus,
                 std::shared_ptr<Translator> translator);
 
-    const std::shared_ptr<morvane::UITblHdrAll>& composite() const { return composite_; }
-    const std::shared_ptr<morvane::ui::Label>& status() const { return status_; }
     // Requests sent to the kitchen's service, and the answers it gave.
     int serviceRequests() const { return service_->requests.load(); }
     int serviceAnswers() const { return service_->answers.load(); }
     const std::string& lastSelected() const { return lastSelected_; }
 
-    std::shared_ptr<morvane::ui::View> backControl() const override;
     std::string waitingFor() const override;
-
-  protected:
-    void layoutSubviews() override;
 
   private:
     void wire(Back back);
-    void say(const std::string& text);
 
     // Shared with the answers in flight, which may outlive the screen.
     struct Service {
@@ -59,8 +50,6 @@ class MenusScreen : public Screen {
 
     morvane::NodePtr menus_;
     std::shared_ptr<Translator> translator_;
-    std::shared_ptr<morvane::UITblHdrAll> composite_;
-    std::shared_ptr<morvane::ui::Label> status_;
     std::shared_ptr<Service> service_ = std::make_shared<Service>();
     std::string lastSelected_;
 };

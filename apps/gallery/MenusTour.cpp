@@ -32,10 +32,7 @@ std::string caption(TourContext& tour) {
 
 // The keys of the tiles' dishes, in their order.
 std::string dishKeys(TourContext& tour) {
-    std::string keys;
-    for (const Value& dish : *menus(tour)->composite()->ctblUI()->myData())
-        keys += (keys.empty() ? "" : " ") + (dish.node() ? dish.node()->get("key").toText() : "?");
-    return keys;
+    return TourContext::keysOf(menus(tour)->composite()->ctblUI()->myData());
 }
 
 std::string tapMenuName(TourContext& tour) {

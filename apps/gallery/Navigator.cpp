@@ -1,5 +1,7 @@
 #include "Navigator.h"
 
+#include "Style.h"
+
 #include <morvane/gfx/Font.h>
 #include <morvane/model/Node.h>
 #include <morvane/sys/Queue.h>
@@ -13,8 +15,6 @@ namespace gallery {
 using namespace morvane;
 
 namespace {
-const gfx::Color kBarColor = Colors::hex("#14213D");
-const gfx::Color kListColor = Colors::hex("#1D3557");
 constexpr double kBarHeight = 104;
 using Keys = std::vector<std::string>;
 } // namespace
@@ -24,14 +24,14 @@ class Navigator::Home : public Screen {
   public:
     Home(const gfx::Rect& frame, const std::string& heading, std::shared_ptr<UITbl> list)
         : Screen(frame), list_(std::move(list)) {
-        setBackgroundColor(kBarColor);
+        setBackgroundColor(style::kBar);
         title_ = std::make_shared<ui::Label>();
         title_->setFont(gfx::Font::boldSystemFont(30));
         title_->setTextColor(gfx::Color::whiteColor());
         title_->setText(heading);
         subtitle_ = std::make_shared<ui::Label>();
         subtitle_->setFont(gfx::Font::systemFont(15));
-        subtitle_->setTextColor(Colors::hex("#A8DADC"));
+        subtitle_->setTextColor(style::kSoftText);
         subtitle_->setText("Tap a screen to open it");
         addSubview(title_);
         addSubview(subtitle_);
@@ -63,7 +63,7 @@ std::shared_ptr<Navigator> Navigator::make(const gfx::Rect& frame, std::vector<E
 Navigator::Navigator(const gfx::Rect& frame, std::vector<Entry> entries, std::string heading)
     : View(frame), entries_(std::move(entries)) {
     homeList_ = std::make_shared<UITbl>();
-    homeList_->setBackgroundColor(kListColor);
+    homeList_->setBackgroundColor(style::kList);
     homeList_->cfg({.header = [](Keys& keys) { keys = {"name"}; },
                     .body = [](Keys& keys) { keys = {"summary"}; },
                     .sortBy = [](Keys& keys) { keys = {"order"}; },

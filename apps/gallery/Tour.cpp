@@ -39,6 +39,13 @@ bool TourContext::tap(const ui::View& view) {
     return true;
 }
 
+std::string TourContext::keysOf(const ListPtr& rows) {
+    std::string keys;
+    for (const Value& row : *rows)
+        keys += (keys.empty() ? "" : " ") + (row.node() ? row.node()->get("key").toText() : "?");
+    return keys;
+}
+
 bool TourContext::visibleRow(const UITbl& list, std::size_t n, gfx::Rect* rect, std::string* key) const {
     const gfx::Rect visible = windowRect(list);
     auto rows = list.tbl()->indexPathsForVisibleRows();

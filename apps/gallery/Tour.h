@@ -14,6 +14,7 @@
 #include "Pages.h"
 
 #include <morvane/gfx/Geometry.h>
+#include <morvane/model/Forward.h>
 
 #include <filesystem>
 #include <functional>
@@ -66,6 +67,8 @@ class TourContext {
     bool tap(const morvane::ui::View& view);
     // The part of a view that shows on the window, in window coordinates.
     static morvane::gfx::Rect windowRect(const morvane::ui::View& view);
+    // The rows' "key" texts in their order, one space between ("?" for a row that is no Node).
+    static std::string keysOf(const morvane::ListPtr& rows);
     // The window rectangle and "key" of the n-th row wholly on show in a list.
     bool visibleRow(const morvane::UITbl& list, std::size_t n, morvane::gfx::Rect* rect,
                     std::string* key) const;

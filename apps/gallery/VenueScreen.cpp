@@ -1,5 +1,6 @@
 #include "VenueScreen.h"
 
+#include "Style.h"
 #include "Translator.h"
 #include "VenueData.h"
 
@@ -20,10 +21,6 @@ using namespace morvane;
 
 namespace {
 
-const gfx::Color kBarColor = Colors::hex("#14213D");
-const gfx::Color kListColor = Colors::hex("#1D3557");
-const gfx::Color kCallColor = Colors::hex("#2A9D8F");
-const gfx::Color kSaveColor = Colors::hex("#E76F51");
 using Keys = std::vector<std::string>;
 const Keys kPictureKeys{"picture"};
 const Keys kHeaderKeys{"name"};
@@ -34,7 +31,6 @@ const Keys kPriceKeys{"price"};
 const Keys kSortKeys{"rating", "name"};
 
 constexpr double kBarHeight = 104;
-constexpr double kStatusHeight = 44;
 
 std::shared_ptr<ui::Label> makeLabel(const gfx::Font& font, const gfx::Color& color) {
     auto label = std::make_shared<ui::Label>();
@@ -48,19 +44,19 @@ std::shared_ptr<ui::Label> makeLabel(const gfx::Font& font, const gfx::Color& co
 VenueScreen::VenueScreen(const gfx::Rect& frame, std::string title, std::string subtitle,
                          std::shared_ptr<Translator> translator, RowSource rows, Back back)
     : Screen(frame), translator_(std::move(translator)), rows_(std::move(rows)) {
-    setBackgroundColor(kBarColor);
+    setBackgroundColor(style::kBar);
 
     titleBar_ = std::make_shared<ui::View>();
-    titleBar_->setBackgroundColor(kBarColor);
+    titleBar_->setBackgroundColor(style::kBar);
     title_ = makeLabel(gfx::Font::boldSystemFont(30), gfx::Color::whiteColor());
     title_->setText(std::move(title));
-    subtitle_ = makeLabel(gfx::Font::systemFont(15), Colors::hex("#A8DADC"));
+    subtitle_ = makeLabel(gfx::Font::systemFont(15), style::kSoftText);
     subtitle_->setText(std::move(subtitle));
     titleBar_->addSubview(title_);
     titleBar_->addSubview(subtitle_);
     back_ = std::make_shared<ui::Button>();
     back_->setTitle("‹ Home");
-    back_->setTitleColor(Colors::hex("#A8DADC"));
+    back_->setTitleColor(style::kSoftText);
     back_->addAction(ui::ControlEvent::TouchUpInside, [back = std::move(back)](ui::Control&) {
         if (back) back();
     });
@@ -68,14 +64,11 @@ VenueScreen::VenueScreen(const gfx::Rect& frame, std::string title, std::string 
     addSubview(titleBar_);
 
     list_ = std::make_shared<UITbl>();
-    list_->setBackgroundColor(kListColor);
+    list_->setBackgroundColor(style::kList);
     addSubview(list_);
     configureList();
 
-    status_ = makeLabel(gfx::Font::systemFont(14), Colors::hex("#F1FAEE"));
-    status_->setTextAlignment(gfx::TextAlignment::Center);
-    status_->setBackgroundColor(kBarColor);
-    status_->setText("Tap a place · swipe for actions · pull to refresh");
+    status_ = style::statusLine("Tap a place · swipe for actions · pull to refresh");
     addSubview(status_);
 }
 
@@ -123,10 +116,10 @@ void VenueScreen::watchList() {
         [weak](const std::string&, const NodePtr&) {
             if (auto self = weak.lock()) self->onPull();
         });
-    list_->watchSwipe("Call", kCallColor, [weak](long, const NodePtr& row) {
+    list_->watchSwipe("Call", style::kGo, [weak](long, const NodePtr& row) {
         if (auto self = weak.lock()) self->onCall(row);
     });
-    list_->watchSwipeLeft("Save", kSaveColor, [weak](long, const NodePtr& row) {
+    list_->watchSwipeLeft("Save", style::kStop, [weak](long, const NodePtr& row) {
         if (auto self = weak.lock()) self->onSave(row);
     });
     list_->watchTranslate(
@@ -222,8 +215,8 @@ void VenueScreen::layoutSubviews() {
     back_->setFrame({8, 8, 90, 30});
     title_->setFrame({20, 44, size.width - 40, 36});
     subtitle_->setFrame({20, 78, size.width - 40, 20});
-    list_->setFrame({0, kBarHeight, size.width, size.height - kBarHeight - kStatusHeight});
-    status_->setFrame({0, size.height - kStatusHeight, size.width, kStatusHeight});
+    list_->setFrame({0, kBarHeight, size.width, size.height - kBarHeight - style::kStatusHeight});
+    status_->setFrame({0, size.height - style::kStatusHeight, size.width, style::kStatusHeight});
 }
 
 } // namespace gallery

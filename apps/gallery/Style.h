@@ -1,0 +1,34 @@
+#pragma once
+// The gallery's look, shared by its screens: the palette, and the status
+// line at the foot of a screen that says what the last touch did.
+
+#include <morvane/gfx/Color.h>
+#include <morvane/gfx/Font.h>
+#include <morvane/ui/controls/Label.h>
+#include <morvane/util/Colors.h>
+
+#include <memory>
+#include <string>
+
+namespace gallery::style {
+
+inline const morvane::gfx::Color kBar = morvane::Colors::hex("#14213D");
+inline const morvane::gfx::Color kList = morvane::Colors::hex("#1D3557");
+inline const morvane::gfx::Color kSoftText = morvane::Colors::hex("#A8DADC");
+inline const morvane::gfx::Color kStatusText = morvane::Colors::hex("#F1FAEE");
+inline const morvane::gfx::Color kGo = morvane::Colors::hex("#2A9D8F");   // call, check in
+inline const morvane::gfx::Color kStop = morvane::Colors::hex("#E76F51"); // save, cancel
+
+inline constexpr double kStatusHeight = 44;
+
+inline std::shared_ptr<morvane::ui::Label> statusLine(std::string text) {
+    auto status = std::make_shared<morvane::ui::Label>();
+    status->setFont(morvane::gfx::Font::systemFont(14));
+    status->setTextColor(kStatusText);
+    status->setTextAlignment(morvane::gfx::TextAlignment::Center);
+    status->setBackgroundColor(kBar);
+    status->setText(std::move(text));
+    return status;
+}
+
+} // namespace gallery::style
