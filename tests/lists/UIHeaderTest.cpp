@@ -92,6 +92,28 @@ TEST_F(UIHeaderTest, the_selection_button_cycles_through_sorted_data_sets) {
     EXPECT_EQ(calls, (Texts{"data:O", "data:", "data:-"}));
 }
 
+// Names as hosts make them by mistake: empty, without "-", 10,000
+// characters, and the same name twice. Every one is kept and cycled through,
+// each showing its last piece, and its data arrives.
+TEST_F(UIHeaderTest, odd_names_are_kept_and_shown_as_they_come) {
+    const std::string longName = "Menu-" + std::string(10000, 'x');
+    const Texts names{"", "plain", longName, "A-twice", "A-twice"};
+    for (std::size_t i = 0; i < names.size(); ++i)
+        header->addDataWhenSelect(names[i], Node::make({{"id", std::to_string(i)}}));
+    header->refresh();
+    ASSERT_EQ(header->mySelection()->size(), names.size());
+    Texts hints{header->selectionBtn()->accessibilityHint().value_or("?")};
+    Texts captions{caption()};
+    for (std::size_t i = 1; i < names.size(); ++i) {
+        header->runAction();
+        hints.push_back(header->selectionBtn()->accessibilityHint().value_or("?"));
+        captions.push_back(caption().size() > 20 ? "long" : caption());
+    }
+    EXPECT_EQ(hints, (Texts{"", "A-twice", "A-twice", longName, "plain"}));
+    EXPECT_EQ(captions, (Texts{"", "twice", "twice", "long", "plain"}));
+    EXPECT_EQ(calls.size(), 2 * names.size() - 1) << "data for each, a click for each tap";
+}
+
 // Long names split at the space nearest the middle; the caption goes to the
 // hook marked and its translation, from any thread, lands on the main queue
 // with parenthesised runs removed.
