@@ -287,7 +287,9 @@ TEST_F(LoaderTest, stalled_picture_servers_do_not_starve_the_global_queues) {
 // the waiting ones never reach the server. A picture that someone still wants
 // arrives, to that requester only.
 TEST_F(LoaderTest, downloads_nobody_waits_for_are_given_up) {
-    server.delay("/kept.png", 0.5, {200, pngBytes(2, 2, gfx::Color::redColor()), {}});
+    // Long enough that the kept transfer cannot end (and free its slot for a
+    // waiting one) before the requesters are dropped, even on a loaded machine.
+    server.delay("/kept.png", 2, {200, pngBytes(2, 2, gfx::Color::redColor()), {}});
     constexpr int kGone = 6;
     for (int i = 0; i < kGone; ++i)
         server.delay("/gone" + std::to_string(i) + ".png", 6,
