@@ -3,6 +3,7 @@
 #include "BookingsScreen.h"
 #include "MenusScreen.h"
 #include "SampleFile.h"
+#include "ToastsScreen.h"
 
 #include <morvane/sys/App.h>
 #include <morvane/util/Dates.h>
@@ -52,10 +53,8 @@ std::vector<Navigator::Entry> Gallery::screens() {
                  [this](int edition) { return rows(edition); }, std::move(back));
          }},
         {"menus", "Menus of " + data_->city(),
-         "A venue's menus in the header-and-grid composite: the header cycles through the menus, each "
-         "becoming "
-         "two columns of dishes with pictures and prices; the specials come from a service that answers from "
-         "another thread.",
+         "A venue's menus in the header-and-grid composite: the header cycles through them, each shown as "
+         "two columns of dishes; the specials come from a service on another thread.",
          [this](const gfx::Rect& frame, Screen::Back back) -> std::shared_ptr<Screen> {
              return MenusScreen::make(frame, parseSample(menusText_), translator_, std::move(back));
          }},
@@ -65,6 +64,13 @@ std::vector<Navigator::Entry> Gallery::screens() {
          "switch, a day at a time, guests checked in, out or cancelled with a swipe.",
          [this](const gfx::Rect& frame, Screen::Back back) -> std::shared_ptr<Screen> {
              return BookingsScreen::make(frame, parseSample(bookingsText_), std::move(back));
+         }},
+        {"toasts", "Toasts",
+         "A message toast that slides up and rings the kit's alert chime when it has arrived, and the bar "
+         "that "
+         "offers a photo or the camera.",
+         [](const gfx::Rect& frame, Screen::Back back) -> std::shared_ptr<Screen> {
+             return ToastsScreen::make(frame, std::move(back));
          }},
     };
 }

@@ -23,7 +23,7 @@ std::vector<TourStep> homeSteps() {
 
 std::vector<TourStep> tourSteps() {
     std::vector<TourStep> steps;
-    for (auto part : {homeSteps, venueSteps, menusSteps, bookingsSteps})
+    for (auto part : {homeSteps, venueSteps, menusSteps, bookingsSteps, toastsSteps})
         for (TourStep& step : part())
             steps.push_back(std::move(step));
     return steps;

@@ -13,6 +13,7 @@ std::vector<TourStep> homeSteps();
 std::vector<TourStep> venueSteps();
 std::vector<TourStep> menusSteps();
 std::vector<TourStep> bookingsSteps();
+std::vector<TourStep> toastsSteps();
 
 // Every step, in the order the tour plays them.
 std::vector<TourStep> tourSteps();

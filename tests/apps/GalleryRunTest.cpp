@@ -121,8 +121,8 @@ TEST_F(GalleryRun, writes_pages_whose_screenshots_show_the_list_with_its_picture
         EXPECT_EQ(shot.pixelHeight(), 1688) << name;
     }
 
-    // One section per screen: home, venues, menus, bookings.
-    EXPECT_EQ(occurrences(page, "<section>"), 4u) << page;
+    // One section per screen: home, venues, menus, bookings, toasts.
+    EXPECT_EQ(occurrences(page, "<section>"), 5u) << page;
 
     // The venue screen's first shot has pictures in its photo column, not
     // spinners on a flat row colour.
