@@ -1,0 +1,124 @@
+// The QR code view: Nodes written as codes that read back as the same Node,
+// the status stamp and its eight seconds away, layout, and a snapshot.
+#include "MediaFixture.h"
+#include "Snapshot.h"
+
+#include <morvane/gfx/Font.h>
+#include <morvane/gfx/QRCode.h>
+#include <morvane/media/UIQRGen.h>
+#include <morvane/model/Json.h>
+#include <morvane/model/List.h>
+#include <morvane/model/Node.h>
+#include <morvane/sys/Log.h>
+#include <morvane/ui/core/Renderer.h>
+#include <morvane/ui/core/Window.h>
+#include <morvane/ui/hosts/HeadlessHost.h>
+
+using namespace morvane;
+using namespace morvane::test;
+
+namespace {
+
+NodePtr ticket(int n) {
+    return Node::make(
+        {{"nm", "Yayoi 東京 🍣 " + std::to_string(n)},
+         {"bg", "K4091" + std::to_string(n)},
+         {"items", List::make({Node::make({{"dish", "Ramen"}, {"price", 12.5}}), Value("Gyoza")})},
+         {"status", n % 2 ? "active" : "VOID"}});
+}
+
+// The codes the view shows, read from its picture.
+std::vector<std::string> shownCodes(UIQRGen& view) {
+    return gfx::QRCode::read(ui::Renderer::imageOf(view, 2));
+}
+
+} // namespace
+
+// The code holds the Node's compact JSON, which reads back as an equal Node;
+// the stamp over it voids it until touched away. A Node too large for a
+// code leaves the picture as it was and says why; no Node writes nothing.
+TEST_F(MediaFixture, a_node_shown_as_a_code_reads_back_as_the_same_node) {
+    ui::HeadlessHost host;
+    auto view = std::make_shared<UIQRGen>(gfx::Rect(0, 0, 240, 240));
+    host.root()->addSubview(view);
+    host.runUntilIdle();
+    for (int n : {1, 2}) {
+        view->addQR(ticket(n));
+        view->addStatus(std::nullopt);
+        auto codes = shownCodes(*view);
+        ASSERT_EQ(codes.size(), 1u);
+        EXPECT_EQ(codes[0], json::write(Value(ticket(n))));
+        EXPECT_EQ(json::parse(codes[0]), Value(ticket(n)));
+        // The stamp voids the code: it cannot be scanned until the stamp is touched away.
+        view->addStatus("VOID");
+        EXPECT_TRUE(shownCodes(*view).empty());
+        view->backAction();
+        EXPECT_EQ(shownCodes(*view), codes);
+    }
+    sys::Log::Capture log;
+    const gfx::Image before = view->qrCode()->image();
+    view->addQR(Node::make({{"note", std::string(2000, 'x')}}));
+    EXPECT_TRUE(view->qrCode()->image().isSameAs(before));
+    EXPECT_EQ(log.texts().size(), 1u);
+    EXPECT_EQ(UIQRGen::dict2Text(nullptr), "");
+    EXPECT_TRUE(log.contains("Got an error: there is no Node to write"));
+
+    const NodePtr sample = json::parseNode(UIQRGen::dict2JSON());
+    ASSERT_TRUE(sample);
+    EXPECT_EQ(sample->size(), 8u);
+    EXPECT_EQ(sample->get("fbase"), Value("World/THA/Bangkok/Central/Food/Thai/Yayoi"));
+    EXPECT_EQ(gfx::QRCode::read(view->createQRFromString({0, 0, 200, 200})),
+              std::vector<std::string>{UIQRGen::dict2JSON()});
+}
+
+// A touch lifts the stamp for 8 s; it comes back only while a status is set.
+TEST_F(MediaFixture, the_stamp_steps_aside_for_eight_seconds) {
+    useManualClock(1'800'000'000);
+    ui::HeadlessHost host;
+    auto view = std::make_shared<UIQRGen>(gfx::Rect(0, 0, 240, 240));
+    host.root()->addSubview(view);
+    view->addStatus("VOID");
+    EXPECT_EQ(view->stamp()->tag(), 1);
+    host.runUntilIdle();
+    host.tap(view->stamp()->convertRectTo(view->stamp()->bounds(), nullptr).center());
+    EXPECT_TRUE(view->stamp()->isHidden());
+    host.advance(7.9);
+    EXPECT_TRUE(view->stamp()->isHidden());
+    host.advance(0.2);
+    EXPECT_FALSE(view->stamp()->isHidden());
+
+    view->backAction();
+    view->addStatus(std::nullopt);
+    host.advance(9);
+    EXPECT_TRUE(view->stamp()->isHidden());
+    EXPECT_EQ(view->stamp()->currentTitle(), "");
+    EXPECT_EQ(view->stamp()->tag(), 0);
+    EXPECT_FALSE(UIQRGen::initWithUsrEnable(false)->stamp()->isUserInteractionEnabled());
+    EXPECT_EQ(UIQRGen::initWithUsrEnable(true)->stamp()->currentTitle(), "");
+}
+
+// A large view: the stamp a tall band; a small one (the system font more
+// than a fifth of its height): a small fixed stamp.
+TEST_F(MediaFixture, qr_layout_follows_the_view_size) {
+    const double s = gfx::Font::systemFontSize();
+    UIQRGen large({0, 0, 300, 260});
+    large.layoutIfNeeded();
+    EXPECT_EQ(large.qrCode()->frame(), gfx::Rect(0, 0, 300, 260));
+    EXPECT_EQ(large.stamp()->center(), gfx::Rect(0.34 * 300, 0.15 * 260, 0.32 * 300, 0.7 * 260).center());
+    EXPECT_EQ(large.stamp()->bounds().size(), gfx::Size(0.32 * 300, 0.7 * 260));
+    EXPECT_DOUBLE_EQ(large.stamp()->layer().cornerRadius(), 0.05 * 260);
+    UIQRGen small({0, 0, 120, 4 * s});
+    small.layoutIfNeeded();
+    EXPECT_EQ(small.stamp()->bounds().size(), gfx::Size(2.1 * s, 4.4 * s));
+    EXPECT_EQ(small.stamp()->center(), gfx::Point(60, 2 * s));
+    EXPECT_DOUBLE_EQ(small.stamp()->layer().cornerRadius(), 0.4 * s);
+}
+
+TEST_F(MediaFixture, qr_code_with_stamp_snapshot) {
+    auto view = std::make_shared<UIQRGen>(gfx::Rect(0, 0, 300, 300));
+    view->layoutIfNeeded();
+    view->addQR(ticket(1));
+    view->addStatus("VOID");
+    morvane::testing::expectImageMatches(ui::Renderer::imageOf(*view, 2),
+                                         "tests/media/snapshots/qr-void@2x.png");
+}
