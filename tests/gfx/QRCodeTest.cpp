@@ -1,11 +1,15 @@
 // QR codes written and read back: messages of every kind up to the capacity
 // of a level-H code, drawn at several sizes, and pictures of codes that a
 // camera would take badly (small, turned, noisy).
+#include "Programs.h"
+
 #include <morvane/gfx/ImageContext.h>
 #include <morvane/gfx/QRCode.h>
 
 #include <gtest/gtest.h>
 
+#include <filesystem>
+#include <fstream>
 #include <numbers>
 #include <random>
 
@@ -94,4 +98,34 @@ TEST(QRCode, codes_photographed_badly_are_still_read) {
     }
     EXPECT_TRUE(QRCode::read(photographed(Image::blank(10, 10), {150, 150}, 0, 0.05, 1)).empty());
     EXPECT_TRUE(QRCode::read(Image()).empty());
+}
+
+// Another reader, written apart from the one the kit uses (zbar), reads the
+// kit's codes byte for byte: the codes follow the standard, not just our reader.
+TEST(QRCode, an_independent_reader_reads_the_kits_codes) {
+    std::mt19937 random(11);
+    const auto folder = std::filesystem::temp_directory_path() / "morvane-zbar";
+    std::filesystem::create_directories(folder);
+    int index = 0;
+    for (std::size_t length : {12, 250, 1000}) {
+        const std::string message = randomMessage(random, length);
+        const auto code = QRCode::encode(bytesOf(message));
+        ASSERT_TRUE(code);
+        for (const Size& size : {Size{240, 240}, Size{300, 220}}) {
+            const auto path = folder / ("code" + std::to_string(index++) + ".png");
+            const auto png = QRCode::draw(*code, size, 3).pngData();
+            std::ofstream(path, std::ios::binary)
+                .write(reinterpret_cast<const char*>(png.data()), std::streamsize(png.size()));
+            // Only what it read goes to the file; its complaints (no D-Bus here) do not.
+            const auto text = folder / "read.txt";
+            const auto outcome = morvane::test::runCommand("zbarimg --nodbus --quiet --raw -Sbinary " +
+                                                           morvane::test::shellQuote(path.string()) + " >" +
+                                                           morvane::test::shellQuote(text.string()));
+            ASSERT_EQ(outcome.status, 0) << outcome.out;
+            std::string read = morvane::test::readFile(text);
+            if (!read.empty() && read.back() == '\n' && read.size() == message.size() + 1) read.pop_back();
+            EXPECT_EQ(read, message) << length << " bytes at " << size.width << "x" << size.height;
+        }
+    }
+    std::filesystem::remove_all(folder);
 }
