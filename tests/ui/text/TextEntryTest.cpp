@@ -1,4 +1,5 @@
 #include <morvane/sys/Log.h>
+#include <morvane/ui/core/Renderer.h>
 #include <morvane/ui/core/Window.h>
 #include <morvane/ui/hosts/HeadlessHost.h>
 #include <morvane/ui/text/TextField.h>
@@ -205,6 +206,36 @@ TEST(TextView, typing_return_and_refusals_go_through_the_delegate) {
     note->setEditable(false);
     host.tap({100, 250});
     EXPECT_FALSE(note->isFirstResponder());
+}
+
+// The caret of centred and right-aligned text stands after the last letter,
+// where the line is drawn, not where a left-aligned line would end.
+TEST(TextView, the_caret_follows_the_alignment_of_its_line) {
+    HeadlessHost host;
+    auto note = std::make_shared<TextView>(gfx::Rect{0, 0, 300, 60});
+    host.root()->addSubview(note);
+    note->setText("Mesa 4");
+    host.runUntilIdle();
+    host.tap({150, 30});
+    ASSERT_TRUE(note->isFirstResponder());
+    auto caretX = [&] {
+        const gfx::Image image = Renderer::imageOf(*note, 1);
+        for (int x = 0; x < image.pixelWidth(); ++x)
+            for (int y = 0; y < image.pixelHeight(); ++y)
+                if (auto c = image.pixelColor(x, y); c && c->blue > 0.9 && c->red < 0.1 && c->green > 0.4)
+                    return x;
+        return -1;
+    };
+    const int left = caretX();
+    note->setTextAlignment(gfx::TextAlignment::Center);
+    const int centred = caretX();
+    note->setTextAlignment(gfx::TextAlignment::Right);
+    const int right = caretX();
+    ASSERT_GT(left, 0);
+    // The line is drawn 5 points in from each side; what it leaves free:
+    const double room = 300 - 5 - left;
+    EXPECT_NEAR(centred - left, room / 2, 3);
+    EXPECT_NEAR(right - left, room, 3);
 }
 
 } // namespace

@@ -207,6 +207,20 @@ void TextView::draw(gfx::Canvas& canvas, const gfx::Rect& rect) {
     int lines = before.empty() ? 1 : gfx::TextMetrics::lineCount(before + "|", style_.font, area.width);
     double x = gfx::TextMetrics::size(lastLine, style_.font).width;
     if (x > area.width && area.width > 0) x = std::fmod(x, area.width);
+    // Centred and right-aligned lines start where their whole line puts them.
+    if (style_.alignment != gfx::TextAlignment::Left) {
+        const std::string shownAll = secure_ ? detail::bullets(text_) : text_;
+        const std::size_t from = lineStart == std::string::npos ? 0 : lineStart + 1;
+        const std::size_t to = shownAll.find('\n', from);
+        const double whole =
+            gfx::TextMetrics::size(
+                shownAll.substr(from, to == std::string::npos ? std::string::npos : to - from), style_.font)
+                .width;
+        if (whole <= area.width) { // a line that does not wrap
+            const double room = area.width - whole;
+            x += style_.alignment == gfx::TextAlignment::Center ? room / 2 : room;
+        }
+    }
     double y = area.y + (std::max(1, lines) - 1) * line;
     canvas.fillRect({area.x + std::min(x, area.width), y, 2, line}, kCaretColor);
 }
