@@ -1,6 +1,8 @@
 #include "Gallery.h"
 
+#include "BoardingScreen.h"
 #include "BookingsScreen.h"
+#include "CameraScreen.h"
 #include "MenusScreen.h"
 #include "SampleFile.h"
 #include "ToastsScreen.h"
@@ -39,7 +41,8 @@ bool Gallery::start(std::string* error) {
     data_.emplace(options_.resources / "venues.json", server_.address(""));
     if (!data_->load(error)) return false;
     return readSampleFile(options_.resources / "menus.json", server_.address(""), &menusText_, error) &&
-           readSampleFile(options_.resources / "bookings.json", server_.address(""), &bookingsText_, error);
+           readSampleFile(options_.resources / "bookings.json", server_.address(""), &bookingsText_, error) &&
+           readSampleFile(options_.resources / "boarding.json", server_.address(""), &boardingText_, error);
 }
 
 std::vector<Navigator::Entry> Gallery::screens() {
@@ -72,11 +75,32 @@ std::vector<Navigator::Entry> Gallery::screens() {
          [](const gfx::Rect& frame, Screen::Back back) -> std::shared_ptr<Screen> {
              return ToastsScreen::make(frame, std::move(back));
          }},
+        {"boarding", "Boarding pass",
+         "A booking as a QR code with a VOID stamp to set and lift, and a QR reader pointed through the "
+         "virtual camera at a picture of the code, reading the booking back.",
+         [this](const gfx::Rect& frame, Screen::Back back) -> std::shared_ptr<Screen> {
+             return BoardingScreen::make(frame, parseSample(boardingText_), options_.scratch / "camera",
+                                         std::move(back));
+         }},
+        {"camera", "Cameras",
+         "The plain camera, its photo brought within the photo limits, and the captioned camera whose "
+         "caption is placed with a touch and typed.",
+         [this](const gfx::Rect& frame, Screen::Back back) -> std::shared_ptr<Screen> {
+             return CameraScreen::make(frame, cameraScene(), options_.scratch / "camera", std::move(back));
+         }},
     };
 }
 
 std::shared_ptr<Navigator> Gallery::makeApp(const gfx::Rect& frame) {
     return Navigator::make(frame, screens(), "Morvane gallery");
+}
+
+gfx::Image Gallery::cameraScene() const {
+    for (const SamplePicture& picture : pictures_)
+        if (picture.path.find("bistro") != std::string::npos)
+            return gfx::Image::fromData(
+                std::span(reinterpret_cast<const std::uint8_t*>(picture.day.data()), picture.day.size()));
+    return {};
 }
 
 ListPtr Gallery::rows(int edition) {

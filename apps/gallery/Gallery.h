@@ -16,6 +16,7 @@
 #include "VenueScreen.h"
 
 #include <morvane/gfx/Geometry.h>
+#include <morvane/gfx/Image.h>
 
 #include <filesystem>
 #include <memory>
@@ -57,6 +58,8 @@ class Gallery {
     // The rows of an edition. From edition 1 on, the server has the evening
     // versions of the updated pictures, and the rows say so with a stamp.
     morvane::ListPtr rows(int edition);
+    // What the gallery's cameras look at: the bistro's picture.
+    morvane::gfx::Image cameraScene() const;
 
     Options options_;
     PictureServer server_;
@@ -65,6 +68,7 @@ class Gallery {
     std::optional<VenueData> data_;
     std::string menusText_;    // menus.json, server filled in
     std::string bookingsText_; // bookings.json
+    std::string boardingText_; // boarding.json
 };
 
 } // namespace gallery

@@ -4,6 +4,7 @@
 
 #include <morvane/gfx/Color.h>
 #include <morvane/gfx/Font.h>
+#include <morvane/ui/controls/Button.h>
 #include <morvane/ui/controls/Label.h>
 #include <morvane/util/Colors.h>
 
@@ -29,6 +30,34 @@ inline std::shared_ptr<morvane::ui::Label> statusLine(std::string text) {
     status->setBackgroundColor(kBar);
     status->setText(std::move(text));
     return status;
+}
+
+// A screen's big white title.
+inline std::shared_ptr<morvane::ui::Label> screenTitle(std::string text) {
+    auto title = std::make_shared<morvane::ui::Label>();
+    title->setFont(morvane::gfx::Font::boldSystemFont(30));
+    title->setTextColor(morvane::gfx::Color::whiteColor());
+    title->setText(std::move(text));
+    return title;
+}
+
+// The "‹ Home" control at a screen's top left.
+inline std::shared_ptr<morvane::ui::Button> homeButton() {
+    auto back = std::make_shared<morvane::ui::Button>();
+    back->setTitle("‹ Home");
+    back->setTitleColor(kSoftText);
+    return back;
+}
+
+// A rounded button that does something on the screen.
+inline std::shared_ptr<morvane::ui::Button> actionButton(std::string title,
+                                                         const morvane::gfx::Color& colour = kGo) {
+    auto button = std::make_shared<morvane::ui::Button>();
+    button->setTitle(std::move(title));
+    button->setTitleColor(morvane::gfx::Color::whiteColor());
+    button->setBackgroundColor(colour);
+    button->layer().setCornerRadius(12);
+    return button;
 }
 
 } // namespace gallery::style

@@ -13,28 +13,14 @@ namespace {
 constexpr double kToastHeight = 60;
 constexpr double kChooserHeight = 76;
 
-std::shared_ptr<ui::Button> actionButton(const char* title) {
-    auto button = std::make_shared<ui::Button>();
-    button->setTitle(title);
-    button->setTitleColor(gfx::Color::whiteColor());
-    button->setBackgroundColor(style::kGo);
-    button->layer().setCornerRadius(12);
-    return button;
-}
-
 } // namespace
 
 ToastsScreen::ToastsScreen(const gfx::Rect& frame) : Screen(frame) {
     setBackgroundColor(style::kList);
-    title_ = std::make_shared<ui::Label>();
-    title_->setFont(gfx::Font::boldSystemFont(30));
-    title_->setTextColor(gfx::Color::whiteColor());
-    title_->setText("Toasts");
-    back_ = std::make_shared<ui::Button>();
-    back_->setTitle("‹ Home");
-    back_->setTitleColor(style::kSoftText);
-    toastButton_ = actionButton("Show a toast");
-    photoButton_ = actionButton("Add a photo");
+    title_ = style::screenTitle("Toasts");
+    back_ = style::homeButton();
+    toastButton_ = style::actionButton("Show a toast");
+    photoButton_ = style::actionButton("Add a photo");
     status_ = style::statusLine("Tap a button");
     // Placed just below the screen: one slide up shows them.
     toast_ = std::make_shared<Toast>();

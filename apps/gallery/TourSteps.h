@@ -14,6 +14,8 @@ std::vector<TourStep> venueSteps();
 std::vector<TourStep> menusSteps();
 std::vector<TourStep> bookingsSteps();
 std::vector<TourStep> toastsSteps();
+std::vector<TourStep> boardingSteps();
+std::vector<TourStep> cameraSteps();
 
 // Every step, in the order the tour plays them.
 std::vector<TourStep> tourSteps();

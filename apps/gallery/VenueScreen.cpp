@@ -54,9 +54,7 @@ VenueScreen::VenueScreen(const gfx::Rect& frame, std::string title, std::string 
     subtitle_->setText(std::move(subtitle));
     titleBar_->addSubview(title_);
     titleBar_->addSubview(subtitle_);
-    back_ = std::make_shared<ui::Button>();
-    back_->setTitle("‹ Home");
-    back_->setTitleColor(style::kSoftText);
+    back_ = style::homeButton();
     back_->addAction(ui::ControlEvent::TouchUpInside, [back = std::move(back)](ui::Control&) {
         if (back) back();
     });
