@@ -6,6 +6,9 @@
 #include <qrencode.h>
 
 #include <cmath>
+#include <cstring>
+#include <limits>
+#include <vector>
 
 namespace morvane::gfx {
 
@@ -40,13 +43,26 @@ Image QRCode::draw(const Modules& code, Size size, double scale) {
         return int(double(pixel) * extent / length);
     };
     auto* pixels = reinterpret_cast<std::uint32_t*>(cairo_image_surface_get_data(surface));
-    const int stride = cairo_image_surface_get_stride(surface) / 4;
+    const std::size_t stride = std::size_t(cairo_image_surface_get_stride(surface) / 4);
+    // The module of each column, worked out once; rows of the same module
+    // row are copies of the first one drawn.
+    std::vector<int> columns(static_cast<std::size_t>(width));
+    for (int x = 0; x < width; ++x)
+        columns[std::size_t(x)] = module(x, across, left, width) - kQuietModules;
+    int drawnRow = std::numeric_limits<int>::min();
     for (int y = 0; y < height; ++y) {
+        std::uint32_t* row = pixels + std::size_t(y) * stride;
         const int my = module(y, down, top, height) - kQuietModules;
+        if (my == drawnRow && y > 0) {
+            std::memcpy(row, row - stride, std::size_t(width) * 4);
+            continue;
+        }
+        drawnRow = my;
+        const bool inside = my >= 0 && my < code.size;
         for (int x = 0; x < width; ++x) {
-            const int mx = module(x, across, left, width) - kQuietModules;
-            const bool dark = mx >= 0 && my >= 0 && mx < code.size && my < code.size && code.at(mx, my);
-            pixels[std::size_t(y) * std::size_t(stride) + std::size_t(x)] = dark ? 0xFF000000u : 0xFFFFFFFFu;
+            const int mx = columns[std::size_t(x)];
+            const bool dark = inside && mx >= 0 && mx < code.size && code.at(mx, my);
+            row[x] = dark ? 0xFF000000u : 0xFFFFFFFFu;
         }
     }
     cairo_surface_mark_dirty(surface);
