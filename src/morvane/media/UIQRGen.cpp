@@ -48,7 +48,8 @@ UIQRGen::~UIQRGen() {
 
 void UIQRGen::addQR(const NodePtr& node) {
     MORVANE_ASSERT_MAIN_THREAD();
-    if (gfx::Image code = createQRFromDict(qrCode_->frame(), node); !code.isNull()) qrCode_->setImage(code);
+    // A Node that makes no code shows no code (not an older one).
+    qrCode_->setImage(createQRFromDict(qrCode_->frame(), node));
 }
 
 void UIQRGen::addStatus(std::optional<std::string_view> status) {
@@ -68,8 +69,8 @@ gfx::Image UIQRGen::codeOf(const gfx::Rect& rect, const std::string& text) const
     const auto bytes = std::span(reinterpret_cast<const std::uint8_t*>(text.data()), text.size());
     const auto code = gfx::QRCode::encode(bytes);
     if (!code) {
-        sys::Log::platform("UIQRGen: a message of " + std::to_string(text.size()) +
-                           " bytes makes no QR code (1 to 1273 fit); the picture is left as it was");
+        sys::Log::platform("Got an error: a message of " + std::to_string(text.size()) +
+                           " bytes makes no QR code at level H (1 to 1273 bytes fit)");
         return {};
     }
     return gfx::QRCode::draw(*code, rect.size(), gfx::ImageContext::screenScale());

@@ -7,9 +7,9 @@
 //   qr->addQR(ticket);          // after the view has its size
 //   qr->addStatus("VOID");      // or std::nullopt to clear it
 //
-// Decisions where the kit's behaviour leaves room: a Node whose text does not
-// fit a code (more than 1,273 bytes) leaves the picture as it was and logs
-// why; modules are whole pixels, the code centred (see gfx::QRCode).
+// A Node whose text does not fit a code (more than 1,273 bytes) shows no
+// code, with "Got an error: ..." in the log. Modules are whole pixels, the
+// code centred (see gfx::QRCode).
 // Threads: main thread only.
 
 #include <morvane/gfx/Geometry.h>
