@@ -19,6 +19,7 @@
 #include <morvane/ui/core/Window.h>
 #include <morvane/ui/hosts/HeadlessHost.h>
 
+#include <atomic>
 #include <chrono>
 #include <filesystem>
 #include <fstream>
@@ -331,6 +332,39 @@ TEST_F(CameraViewTest, codes_that_are_not_json_objects_show_the_error_strip) {
         host->advance(3.1);
     }
     EXPECT_EQ(answers, 0);
+}
+
+// A code shown to a camera that is already scanning is read; a camera that
+// fails while it runs (its picture replaced by a file that is none) is
+// logged and leaves the reader quiet.
+TEST_F(CameraViewTest, the_reader_follows_what_its_camera_is_shown) {
+    const std::string blank = writePNG(gfx::Image::blank(320, 240), "morvane-reader-blank.png");
+    sys::Camera::setDefaultSource(sys::Camera::Source::picture(blank));
+    auto reader = std::make_shared<UIQRRead>(gfx::Rect{0, 0, 300, 300});
+    host->root()->addSubview(reader);
+    std::atomic<int> reads{0};
+    reader->watchRead([&](const std::string&, const Value&) { ++reads; });
+    reader->btnAction();
+    ASSERT_TRUE(waitFor(*host, [&] { return reader->framesDecoded() >= 3; }));
+    EXPECT_EQ(reads.load(), 0);
+    ASSERT_TRUE(
+        reader->captureSession()->showPicture(codePicture(R"({"room":12})", "morvane-reader-swap.png")));
+    ASSERT_TRUE(waitFor(*host, [&] { return reads.load() == 1; }));
+
+    const std::string broken =
+        (std::filesystem::temp_directory_path() / "morvane-reader-broken.png").string();
+    std::ofstream(broken) << "not a picture";
+    reader->btnAction();
+    reader->btnAction();
+    ASSERT_TRUE(reader->captureSessionRunning());
+    sys::Log::Capture log;
+    reader->captureSession()->showPicture(broken);
+    ASSERT_TRUE(waitFor(*host, [&] { return !log.texts().empty(); }));
+    EXPECT_EQ(log.texts()[0].rfind("Camera: the stream failed: ", 0), 0u) << log.texts()[0];
+    host->advance(1);
+    EXPECT_EQ(reads.load(), 1);
+    reader->btnAction();
+    EXPECT_EQ(reader->save()->tag(), 0);
 }
 
 TEST_F(CameraViewTest, a_reader_without_a_camera_says_so_and_changes_nothing) {

@@ -60,6 +60,10 @@ UIQRRead::~UIQRRead() {
     shared_->read = nullptr;
 }
 
+std::shared_ptr<sys::Camera> UIQRRead::captureSession() const {
+    return feed_ ? feed_->camera() : nullptr;
+}
+
 bool UIQRRead::captureSessionRunning() const {
     return feed_ && feed_->running();
 }

@@ -17,6 +17,7 @@
 
 #include <morvane/gfx/Geometry.h>
 #include <morvane/model/Value.h>
+#include <morvane/sys/Camera.h>
 #include <morvane/ui/controls/Button.h>
 #include <morvane/ui/controls/ImageView.h>
 #include <morvane/ui/core/View.h>
@@ -48,7 +49,9 @@ class UIQRRead : public ui::View {
     const std::shared_ptr<ui::TextField>& toaster() const { return toaster_; }
     // The preview of the current opening; null before the first.
     const std::shared_ptr<ui::ImageView>& videoPreviewLayer() const { return preview_; }
-    // True while the camera of the current opening runs.
+    // The camera of the current opening (null before the first, or when
+    // there was none), and whether it runs.
+    std::shared_ptr<sys::Camera> captureSession() const;
     bool captureSessionRunning() const;
 
     UIQRRead& watchRead(ReadCB read);
