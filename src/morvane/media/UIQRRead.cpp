@@ -20,6 +20,7 @@ struct UIQRRead::Shared {
     std::mutex mutex;
     ReadCB read;
     std::weak_ptr<sys::Camera> camera; // of the current opening
+    std::uint64_t opening = 0;         // counts the openings, so frames of an earlier one are let go
     std::atomic<bool> decoding{false};
     std::atomic<std::uint64_t> decoded{0};
     std::atomic<std::uint64_t> dropped{0};
@@ -99,38 +100,47 @@ bool UIQRRead::startReading() {
     preview->setClipsToBounds(true);
     // Frames come on the camera's thread; one at a time goes to "myQueue".
     std::weak_ptr<Shared> weakShared = shared_;
-    auto feed = detail::CameraFeed::start("UIQRRead", preview, [weakShared](const gfx::Image& frame) {
-        auto shared = weakShared.lock();
-        if (!shared) return;
-        if (shared->decoding.exchange(true)) {
-            shared->dropped.fetch_add(1, std::memory_order_relaxed);
-            return;
-        }
-        sys::Queue::serial(kQueueName).async([weakShared, frame] {
+    std::uint64_t opening = 0;
+    {
+        std::lock_guard lock(shared_->mutex);
+        opening = ++shared_->opening;
+    }
+    auto feed =
+        detail::CameraFeed::start("UIQRRead", preview, [weakShared, opening](const gfx::Image& frame) {
             auto shared = weakShared.lock();
             if (!shared) return;
-            std::vector<std::string> codes = gfx::QRCode::read(frame);
-            shared->decoded.fetch_add(1, std::memory_order_relaxed);
-            if (codes.empty()) {
-                shared->decoding = false;
+            if (shared->decoding.exchange(true)) {
+                shared->dropped.fetch_add(1, std::memory_order_relaxed);
                 return;
             }
-            // The first code ends the scan: the camera stops before anything
-            // else is decoded, and the gate stays shut until the next start.
-            if (auto camera = shared->camera.lock()) camera->stop();
-            std::shared_ptr<ui::View> view;
-            {
-                std::lock_guard lock(shared->mutex);
-                view = shared->view.lock();
-            }
-            if (auto reader = std::static_pointer_cast<UIQRRead>(view)) {
-                // The view is held here off the main thread only to call into
-                // captureOutput, which touches no view; drop it on the main queue.
-                reader->captureOutput(codes);
-                sys::Queue::main().async([view = std::move(view)] {});
-            }
+            sys::Queue::serial(kQueueName).async([weakShared, frame, opening] {
+                auto shared = weakShared.lock();
+                if (!shared) return;
+                std::vector<std::string> codes = gfx::QRCode::read(frame);
+                shared->decoded.fetch_add(1, std::memory_order_relaxed);
+                if (codes.empty()) {
+                    shared->decoding = false;
+                    return;
+                }
+                // The first code ends the scan: the camera stops before anything
+                // else is decoded, and the gate stays shut until the next start.
+                std::shared_ptr<sys::Camera> camera;
+                std::shared_ptr<ui::View> view;
+                {
+                    std::lock_guard lock(shared->mutex);
+                    if (shared->opening != opening) return; // a frame of a camera since closed
+                    camera = shared->camera.lock();
+                    view = shared->view.lock();
+                }
+                if (camera) camera->stop();
+                if (auto reader = std::static_pointer_cast<UIQRRead>(view)) {
+                    // The view is held here off the main thread only to call into
+                    // captureOutput, which touches no view; drop it on the main queue.
+                    reader->captureOutput(codes);
+                    sys::Queue::main().async([view = std::move(view)] {});
+                }
+            });
         });
-    });
     if (!feed) return false;
     feed_.reset();
     if (preview_) preview_->removeFromSuperview();
