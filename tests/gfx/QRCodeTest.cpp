@@ -55,6 +55,17 @@ Image photographed(const Image& code, Size points, double degrees, double noise,
     return context.takeImage();
 }
 
+// The picture out of focus: shrunk to a third and stretched back, smoothed
+// both ways, so every module edge is a ramp of greys several pixels wide.
+Image blurred(const Image& photo) {
+    const Size full = photo.size(), small{full.width / 3, full.height / 3};
+    ImageContext shrink(small, Opacity::Opaque, 1);
+    shrink.canvas().drawImage(photo, Rect{0, 0, small.width, small.height});
+    ImageContext grow(full, Opacity::Opaque, 1);
+    grow.canvas().drawImage(shrink.takeImage(), Rect{0, 0, full.width, full.height});
+    return grow.takeImage();
+}
+
 } // namespace
 
 // Random messages, short to the largest a level-H code holds, come back byte
@@ -85,7 +96,7 @@ TEST(QRCode, messages_come_back_byte_for_byte_at_any_drawn_size) {
 }
 
 // A code taken small, turned 10 and 35 degrees, on a noisy page, is still
-// read; a page without a code gives nothing.
+// read, also out of focus; a page without a code gives nothing.
 TEST(QRCode, codes_photographed_badly_are_still_read) {
     const std::string message =
         R"({"nm":"Yayoi","bg":"K40918","fbase":"World/THA/Bangkok/Central/Food/Thai/Yayoi"})";
@@ -96,6 +107,8 @@ TEST(QRCode, codes_photographed_badly_are_still_read) {
         const Image photo = photographed(drawn, {150, 150}, degrees, 0.02, unsigned(degrees));
         EXPECT_EQ(QRCode::read(photo), std::vector<std::string>{message}) << degrees << " degrees";
     }
+    const Image soft = blurred(photographed(drawn, {300, 300}, 10, 0.02, 4));
+    EXPECT_EQ(QRCode::read(soft), std::vector<std::string>{message}) << "out of focus";
     EXPECT_TRUE(QRCode::read(photographed(Image::blank(10, 10), {150, 150}, 0, 0.05, 1)).empty());
     EXPECT_TRUE(QRCode::read(Image()).empty());
 }

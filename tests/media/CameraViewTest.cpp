@@ -324,8 +324,13 @@ TEST_F(CameraViewTest, codes_that_are_not_json_objects_show_the_error_strip) {
 
     std::string deep(100000, '[');
     deep += std::string(100000, ']');
-    for (const std::string& bad : {std::string("42"), std::string("\"text\""),
-                                   std::string("{\"a\":\"\xff\xfe\"}"), deep, std::string("{\"a\":1,}")}) {
+    std::string noise(1273, '\0');
+    std::mt19937 random(9);
+    for (char& byte : noise)
+        byte = char(random());
+    for (const std::string& bad :
+         {std::string("42"), std::string("\"text\""), std::string("{\"a\":\"\xff\xfe\"}"), deep,
+          std::string("{\"a\":1,}"), noise}) {
         reader->captureOutput({bad});
         host->runUntilIdle();
         EXPECT_FALSE(reader->toaster()->isHidden()) << bad.substr(0, 20);
