@@ -2,6 +2,7 @@
 // the status stamp and its eight seconds away, layout, and a snapshot.
 #include "MediaFixture.h"
 #include "Programs.h"
+#include "Reentrancy.h"
 #include "Snapshot.h"
 
 #include <morvane/gfx/Font.h>
@@ -185,4 +186,25 @@ TEST_F(MediaFixture, random_nodes_come_back_through_both_readers) {
         }
     }
     if (!HasFailure()) std::filesystem::remove_all(folder);
+}
+
+// The view calls nobody back, but its stamp comes back on its own 8 s after a
+// touch: codes, statuses and touches in any order, the view released and
+// re-added on the way, while the clock runs past those 8 seconds.
+TEST(UIQRGenReentrancy, any_order_of_operations_and_touches_is_safe) {
+    ReentrancyHarness<UIQRGen> codes(64);
+    codes.make(
+        [](ReentrancyHarness<UIQRGen>&) { return std::make_shared<UIQRGen>(gfx::Rect(20, 100, 300, 300)); });
+    codes.operation("code", [](UIQRGen& view, Random& r) { view.addQR(ticket(randomInt(r, 0, 9))); });
+    codes.operation("void", [](UIQRGen& view, Random&) { view.addStatus("VOID"); });
+    codes.operation("clear", [](UIQRGen& view, Random&) { view.addStatus(std::nullopt); });
+    codes.operation("lift", [](UIQRGen& view, Random&) { view.backAction(); });
+    codes.operation("too large", [](UIQRGen& view, Random&) {
+        view.addQR(Node::make({{"note", std::string(1400, 'x')}}));
+    });
+    codes.input("tap", [](ui::HeadlessHost& host, UIQRGen& view, Random& r) {
+        host.tap(randomPointIn(r, view.convertRectTo(view.bounds(), nullptr)));
+    });
+    codes.input("wait", [](ui::HeadlessHost& host, UIQRGen&, Random&) { host.advance(3); });
+    codes.run(ReentrancyHarness<UIQRGen>::steps(300, 2000));
 }
