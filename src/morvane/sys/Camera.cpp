@@ -8,10 +8,12 @@
 
 #include <algorithm>
 #include <atomic>
+#include <condition_variable>
 #include <cstdlib>
 #include <filesystem>
 #include <mutex>
 #include <string_view>
+#include <thread>
 
 namespace morvane::sys {
 
@@ -82,6 +84,7 @@ struct Camera::Impl {
     std::shared_ptr<FailureHandler> failureHandler;
     std::vector<PhotoHandler> photoHandlers;
     std::atomic<std::uint64_t> frames{0};
+    std::atomic<double> lastTime{0};
 
     ~Impl() { teardown(); }
 
@@ -89,7 +92,9 @@ struct Camera::Impl {
     // back after a stop, so a stopped pipeline cannot simply be played again.
     void teardown() {
         if (!pipeline) return;
+        // The stream first (its thread writes into the slot), then the deliverer.
         gst_element_set_state(pipeline, GST_STATE_NULL);
+        stopDelivering();
         if (GstBus* bus = gst_element_get_bus(pipeline)) {
             gst_bus_set_sync_handler(bus, nullptr, nullptr, nullptr);
             gst_object_unref(bus);
@@ -98,30 +103,86 @@ struct Camera::Impl {
         pipeline = nullptr;
     }
 
+    // Frames are handed over on a thread of the camera's own, never on the
+    // stream's: a receiver that takes its time then holds up nothing
+    // upstream. The streaming thread only copies the pixels out (it is the
+    // thread that wrote them) into a slot that keeps the newest frame, so
+    // the frames that come while the receiver is busy are dropped. (Handing
+    // them over on the streaming thread would slow the source down instead:
+    // a test pattern or a picture would then deliver every frame, late.)
+    std::thread deliverer;
+    std::mutex slotMutex;
+    std::condition_variable slotChanged;
+    bool delivering = false;
+    gfx::Image waiting;
+    double waitingTime = 0;
+
     static GstFlowReturn onSample(GstAppSink* sink, gpointer data) {
-        static_cast<Impl*>(data)->deliver(sink);
+        auto* self = static_cast<Impl*>(data);
+        GstSample* sample = gst_app_sink_pull_sample(sink);
+        if (!sample) return GST_FLOW_OK;
+        double taken = 0;
+        gfx::Image frame = copyOut(sample, &taken);
+        gst_sample_unref(sample);
+        if (frame.isNull()) return GST_FLOW_OK;
+        {
+            std::lock_guard lock(self->slotMutex);
+            self->waiting = std::move(frame);
+            self->waitingTime = taken;
+        }
+        self->slotChanged.notify_one();
         return GST_FLOW_OK;
     }
 
-    void deliver(GstAppSink* sink) {
-        GstSample* sample = gst_app_sink_pull_sample(sink);
-        if (!sample) return;
+    static gfx::Image copyOut(GstSample* sample, double* taken) {
+        const GstClockTime pts = GST_BUFFER_PTS(gst_sample_get_buffer(sample));
+        if (GST_CLOCK_TIME_IS_VALID(pts)) *taken = double(pts) / GST_SECOND;
         gfx::Image frame;
         GstVideoInfo info;
-        if (gst_video_info_from_caps(&info, gst_sample_get_caps(sample))) {
-            GstVideoFrame video;
-            if (gst_video_frame_map(&video, &info, gst_sample_get_buffer(sample), GST_MAP_READ)) {
-                frame = gfx::Image::fromPixels(
-                    static_cast<const std::uint8_t*>(GST_VIDEO_FRAME_PLANE_DATA(&video, 0)),
-                    GST_VIDEO_FRAME_WIDTH(&video), GST_VIDEO_FRAME_HEIGHT(&video),
-                    std::size_t(GST_VIDEO_FRAME_PLANE_STRIDE(&video, 0)), gfx::PixelFormat::RGBA);
-                gst_video_frame_unmap(&video);
-            }
-        }
-        gst_sample_unref(sample);
-        if (frame.isNull()) return;
-        frames.fetch_add(1, std::memory_order_relaxed);
+        if (!gst_video_info_from_caps(&info, gst_sample_get_caps(sample))) return frame;
+        GstVideoFrame video;
+        if (!gst_video_frame_map(&video, &info, gst_sample_get_buffer(sample), GST_MAP_READ)) return frame;
+        frame = gfx::Image::fromPixels(
+            static_cast<const std::uint8_t*>(GST_VIDEO_FRAME_PLANE_DATA(&video, 0)),
+            GST_VIDEO_FRAME_WIDTH(&video), GST_VIDEO_FRAME_HEIGHT(&video),
+            std::size_t(GST_VIDEO_FRAME_PLANE_STRIDE(&video, 0)), gfx::PixelFormat::RGBA);
+        gst_video_frame_unmap(&video);
+        return frame;
+    }
 
+    void startDelivering() {
+        {
+            std::lock_guard lock(slotMutex);
+            delivering = true;
+        }
+        deliverer = std::thread([this] {
+            std::unique_lock lock(slotMutex);
+            while (true) {
+                slotChanged.wait(lock, [this] { return !delivering || !waiting.isNull(); });
+                if (!delivering) break;
+                gfx::Image frame = std::move(waiting);
+                waiting = {};
+                const double taken = waitingTime;
+                lock.unlock();
+                deliver(frame, taken);
+                lock.lock();
+            }
+        });
+    }
+
+    void stopDelivering() {
+        {
+            std::lock_guard lock(slotMutex);
+            delivering = false;
+            waiting = {};
+        }
+        slotChanged.notify_all();
+        if (deliverer.joinable()) deliverer.join();
+    }
+
+    void deliver(const gfx::Image& frame, double taken) {
+        frames.fetch_add(1, std::memory_order_relaxed);
+        lastTime.store(taken, std::memory_order_relaxed);
         std::shared_ptr<FrameHandler> handler;
         std::vector<PhotoHandler> photos;
         {
@@ -224,6 +285,7 @@ struct Camera::Impl {
             startError.clear();
             failureReported = false;
         }
+        startDelivering();
         const GstStateChangeReturn result = gst_element_set_state(pipeline, GST_STATE_PLAYING);
         std::string early;
         {
@@ -325,6 +387,10 @@ bool Camera::running() const {
 
 std::uint64_t Camera::framesDelivered() const {
     return impl_->frames.load(std::memory_order_relaxed);
+}
+
+double Camera::lastFrameTime() const {
+    return impl_->lastTime.load(std::memory_order_relaxed);
 }
 
 void Camera::capturePhoto(PhotoHandler handler) {

@@ -86,6 +86,9 @@ class Camera {
     bool running() const;
     // Frames delivered since the camera was opened.
     std::uint64_t framesDelivered() const;
+    // When the frame last handed over was taken, in seconds of its stream
+    // (from its start); inside the frame handler, the frame in hand's.
+    double lastFrameTime() const;
 
     // The next frame after this call, encoded as JPEG, handed to the handler
     // on the streaming thread. Nothing arrives when the camera is not running
