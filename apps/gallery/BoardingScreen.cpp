@@ -29,10 +29,8 @@ std::shared_ptr<ui::Label> jsonLabel() {
 } // namespace
 
 BoardingScreen::BoardingScreen(const gfx::Rect& frame, NodePtr booking, std::filesystem::path folder)
-    : Screen(frame), booking_(std::move(booking)), folder_(std::move(folder)) {
-    setBackgroundColor(style::kList);
-    title_ = style::screenTitle("Boarding pass");
-    back_ = style::homeButton();
+    : TitledScreen(frame, "Boarding pass", "The pass is valid"), booking_(std::move(booking)),
+      folder_(std::move(folder)) {
     pass_ = std::make_shared<UIQRGen>();
     original_ = jsonLabel();
     original_->setText("The pass holds:\n" + json::write(Value(booking_), json::Layout::Pretty));
@@ -42,11 +40,9 @@ BoardingScreen::BoardingScreen(const gfx::Rect& frame, NodePtr booking, std::fil
     reader_ = std::make_shared<UIQRRead>();
     decoded_ = jsonLabel();
     decoded_->setText("Read back:\n(nothing yet)");
-    status_ = style::statusLine("The pass is valid");
     pass_->addStatus(std::nullopt);
     for (const auto& view : std::initializer_list<std::shared_ptr<ui::View>>{
-             title_, back_, pass_, original_, voidButton_, scanButton_, textButton_, reader_, decoded_,
-             status_})
+             pass_, original_, voidButton_, scanButton_, textButton_, reader_, decoded_})
         addSubview(view);
 }
 
@@ -58,9 +54,7 @@ std::shared_ptr<BoardingScreen> BoardingScreen::make(const gfx::Rect& frame, Nod
 }
 
 void BoardingScreen::wire(Back back) {
-    back_->addAction(ui::ControlEvent::TouchUpInside, [back = std::move(back)](ui::Control&) {
-        if (back) back();
-    });
+    watchBack(std::move(back));
     std::weak_ptr<BoardingScreen> weak = std::static_pointer_cast<BoardingScreen>(shared_from_this());
     voidButton_->addAction(ui::ControlEvent::TouchUpInside, [weak](ui::Control&) {
         auto self = weak.lock();
@@ -68,7 +62,7 @@ void BoardingScreen::wire(Back back) {
         const bool voided = self->pass_->stamp()->tag() == 1;
         self->pass_->addStatus(voided ? std::nullopt : std::optional<std::string_view>("VOID"));
         self->voidButton_->setTitle(voided ? "Void" : "Restore");
-        self->status_->setText(voided ? "The pass is valid again" : "The pass is void: the stamp covers it");
+        self->status()->setText(voided ? "The pass is valid again" : "The pass is void: the stamp covers it");
     });
     scanButton_->addAction(ui::ControlEvent::TouchUpInside, [weak](ui::Control&) {
         if (auto self = weak.lock()) self->scan(UIQRGen::dict2Text(self->booking_), "boarding-pass.png");
@@ -84,7 +78,7 @@ void BoardingScreen::wire(Back back) {
             ++self->reads_;
             self->decoded_->setText("Read back:\n" + json::write(node, json::Layout::Pretty));
             const bool same = node.node() && node.node()->equals(*self->booking_);
-            self->status_->setText(same ? "Read back: the same booking" : "Read back: a different Node");
+            self->status()->setText(same ? "Read back: the same booking" : "Read back: a different Node");
         });
     });
 }
@@ -94,13 +88,13 @@ void BoardingScreen::scan(const std::string& text, const std::string& file) {
     const auto bytes = std::span(reinterpret_cast<const std::uint8_t*>(text.data()), text.size());
     const auto code = gfx::QRCode::encode(bytes);
     if (!code || !showToCamera(gfx::QRCode::draw(*code, {360, 360}, 2), folder_ / file)) {
-        status_->setText("No picture for the camera");
+        status()->setText("No picture for the camera");
         return;
     }
     // From "stopped after a code" the first press only makes the reader idle.
     if (reader_->save()->tag() == 1) reader_->btnAction();
     reader_->btnAction();
-    status_->setText(reader_->captureSessionRunning() ? "Scanning…" : "No camera to scan with");
+    status()->setText(reader_->captureSessionRunning() ? "Scanning…" : "No camera to scan with");
 }
 
 void BoardingScreen::layoutSubviews() {
@@ -109,8 +103,7 @@ void BoardingScreen::layoutSubviews() {
     // and as read back side by side below.
     const gfx::Size size = bounds().size();
     const double column = (size.width - 50) / 2, right = 30 + column;
-    back_->setFrame({8, 8, 90, 30});
-    title_->setFrame({20, 44, size.width - 40, 36});
+    placeFrame();
     pass_->setFrame({20, 92, size.width - 40, 260});
     reader_->setFrame({20, 364, column, column});
     const double button = (column - 20) / 3;
@@ -120,7 +113,6 @@ void BoardingScreen::layoutSubviews() {
     const double texts = 376 + column, textHeight = size.height - style::kStatusHeight - 12 - texts;
     original_->setFrame({20, texts, column, textHeight});
     decoded_->setFrame({right, texts, column, textHeight});
-    status_->setFrame({0, size.height - style::kStatusHeight, size.width, style::kStatusHeight});
     // The code is drawn for the size it is shown at, once that size is known.
     if (drawnFor_ != pass_->bounds().size()) {
         pass_->layoutIfNeeded();

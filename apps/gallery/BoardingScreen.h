@@ -7,7 +7,7 @@
 //
 //   auto screen = BoardingScreen::make(frame, booking, scratchFolder, goHome);
 
-#include "Screen.h"
+#include "TitledScreen.h"
 
 #include <morvane/media/UIQRGen.h>
 #include <morvane/media/UIQRRead.h>
@@ -21,7 +21,7 @@
 
 namespace gallery {
 
-class BoardingScreen : public Screen {
+class BoardingScreen : public TitledScreen {
   public:
     static std::shared_ptr<BoardingScreen> make(const morvane::gfx::Rect& frame, morvane::NodePtr booking,
                                                 std::filesystem::path folder, Back back);
@@ -33,12 +33,9 @@ class BoardingScreen : public Screen {
     const std::shared_ptr<morvane::ui::Button>& scanButton() const { return scanButton_; }
     const std::shared_ptr<morvane::ui::Button>& textButton() const { return textButton_; }
     const std::shared_ptr<morvane::ui::Label>& decoded() const { return decoded_; }
-    const std::shared_ptr<morvane::ui::Label>& status() const { return status_; }
     // How many codes the reader has read back as Nodes.
     int reads() const { return reads_; }
     const morvane::NodePtr& booking() const { return booking_; }
-
-    std::shared_ptr<morvane::ui::View> backControl() const override { return back_; }
 
   protected:
     void layoutSubviews() override;
@@ -50,8 +47,6 @@ class BoardingScreen : public Screen {
 
     morvane::NodePtr booking_;
     std::filesystem::path folder_;
-    std::shared_ptr<morvane::ui::Label> title_;
-    std::shared_ptr<morvane::ui::Button> back_;
     std::shared_ptr<morvane::UIQRGen> pass_;
     std::shared_ptr<morvane::ui::Label> original_;
     std::shared_ptr<morvane::ui::Button> voidButton_;
@@ -59,7 +54,6 @@ class BoardingScreen : public Screen {
     std::shared_ptr<morvane::ui::Button> textButton_;
     std::shared_ptr<morvane::UIQRRead> reader_;
     std::shared_ptr<morvane::ui::Label> decoded_;
-    std::shared_ptr<morvane::ui::Label> status_;
     morvane::gfx::Size drawnFor_;
     int reads_ = 0;
 };

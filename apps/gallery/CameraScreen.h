@@ -6,7 +6,7 @@
 //
 //   auto screen = CameraScreen::make(frame, dishPicture, scratchFolder, goHome);
 
-#include "Screen.h"
+#include "TitledScreen.h"
 
 #include <morvane/gfx/Image.h>
 #include <morvane/media/AVCamera.h>
@@ -20,7 +20,7 @@
 
 namespace gallery {
 
-class CameraScreen : public Screen {
+class CameraScreen : public TitledScreen {
   public:
     static std::shared_ptr<CameraScreen> make(const morvane::gfx::Rect& frame,
                                               const morvane::gfx::Image& scene,
@@ -31,9 +31,6 @@ class CameraScreen : public Screen {
     const std::shared_ptr<morvane::AVCamera>& captioned() const { return captioned_; }
     const std::shared_ptr<morvane::ui::ImageView>& photo() const { return photo_; }
     const std::shared_ptr<morvane::ui::Label>& photoInfo() const { return photoInfo_; }
-    const std::shared_ptr<morvane::ui::Label>& status() const { return status_; }
-
-    std::shared_ptr<morvane::ui::View> backControl() const override { return back_; }
 
   protected:
     void layoutSubviews() override;
@@ -41,13 +38,10 @@ class CameraScreen : public Screen {
   private:
     void wire(Back back);
 
-    std::shared_ptr<morvane::ui::Label> title_;
-    std::shared_ptr<morvane::ui::Button> back_;
     std::shared_ptr<morvane::NCamera> camera_;
     std::shared_ptr<morvane::ui::ImageView> photo_;
     std::shared_ptr<morvane::ui::Label> photoInfo_;
     std::shared_ptr<morvane::AVCamera> captioned_;
-    std::shared_ptr<morvane::ui::Label> status_;
 };
 
 } // namespace gallery

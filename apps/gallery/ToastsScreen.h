@@ -5,7 +5,7 @@
 //
 //   auto screen = ToastsScreen::make(frame, goHome);
 
-#include "Screen.h"
+#include "TitledScreen.h"
 
 #include <morvane/media/Toast.h>
 #include <morvane/media/ToastPhoto.h>
@@ -17,7 +17,7 @@
 
 namespace gallery {
 
-class ToastsScreen : public Screen {
+class ToastsScreen : public TitledScreen {
   public:
     static std::shared_ptr<ToastsScreen> make(const morvane::gfx::Rect& frame, Back back);
     // Use make(): the callbacks need the screen to be owned already.
@@ -27,9 +27,6 @@ class ToastsScreen : public Screen {
     const std::shared_ptr<morvane::ToastPhoto>& chooser() const { return chooser_; }
     const std::shared_ptr<morvane::ui::Button>& toastButton() const { return toastButton_; }
     const std::shared_ptr<morvane::ui::Button>& photoButton() const { return photoButton_; }
-    const std::shared_ptr<morvane::ui::Label>& status() const { return status_; }
-
-    std::shared_ptr<morvane::ui::View> backControl() const override { return back_; }
 
   protected:
     void layoutSubviews() override;
@@ -37,11 +34,8 @@ class ToastsScreen : public Screen {
   private:
     void wire(Back back);
 
-    std::shared_ptr<morvane::ui::Label> title_;
-    std::shared_ptr<morvane::ui::Button> back_;
     std::shared_ptr<morvane::ui::Button> toastButton_;
     std::shared_ptr<morvane::ui::Button> photoButton_;
-    std::shared_ptr<morvane::ui::Label> status_;
     std::shared_ptr<morvane::Toast> toast_;
     std::shared_ptr<morvane::ToastPhoto> chooser_;
     int toasts_ = 0;

@@ -85,7 +85,7 @@ void AVCamera::layoutSubviews() {
     name_->setFrame({0.1 * w, captionY_.value_or(0.2 * h), 0.8 * w, 0.7 * b});
     name_->layer().setCornerRadius(0.15 * b);
     imgView()->setFrame({0, 0, b, b});
-    placeShutter();
+    placeShutterAndPreview();
 }
 
 } // namespace morvane

@@ -70,7 +70,7 @@ void NCamera::layoutSubviews() {
     const double w = bounds().width, h = bounds().height, b = buttonSide();
     quit_->setFrame({w - b, 0, b, b});
     imgView()->setFrame({0, 0, b, b});
-    placeShutter();
+    placeShutterAndPreview();
     layer().setCornerRadius(0.05 * h);
 }
 

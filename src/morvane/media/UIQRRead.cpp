@@ -43,12 +43,8 @@ UIQRRead::UIQRRead(const gfx::Rect& frame) : ui::View(frame), shared_(std::make_
     toaster_->setTextColor(gfx::Color::whiteColor());
     toaster_->setHidden(true);
     addSubview(toaster_);
-    save_ = std::make_shared<ui::Button>();
-    save_->setBackgroundColor(gfx::Color::lightTextColor());
-    save_->setTag(0);
+    save_ = detail::makeShutter();
     save_->addAction(ui::ControlEvent::TouchUpInside, [this](ui::Control&) { btnAction(); });
-    save_->layer().setBorderColor(gfx::Color::whiteColor());
-    save_->layer().setBorderWidth(2);
     addSubview(save_);
     layer().setBorderColor(gfx::Color::whiteColor());
     layer().setBorderWidth(2);
@@ -228,8 +224,7 @@ std::uint64_t UIQRRead::framesDropped() const {
 void UIQRRead::layoutSubviews() {
     const double w = bounds().width, h = bounds().height, b = 3 * gfx::Font::systemFontSize();
     if (preview_) preview_->setFrame({0, 0, w, h});
-    save_->setFrame({(w - b) / 2, h - 1.2 * b, b, b});
-    save_->layer().setCornerRadius(b / 2);
+    detail::placeShutter(*save_, {w, h});
     toaster_->setFrame({0, h - 0.8 * b, w, 0.8 * b});
 }
 

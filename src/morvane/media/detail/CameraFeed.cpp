@@ -1,5 +1,6 @@
 #include <morvane/media/detail/CameraFeed.h>
 
+#include <morvane/gfx/Font.h>
 #include <morvane/sys/Log.h>
 #include <morvane/sys/Queue.h>
 
@@ -90,6 +91,21 @@ void CameraFeed::capturePhoto(std::function<void(std::vector<std::uint8_t>)> del
         sys::Queue::main().async(
             [deliver, bytes = std::move(bytes)]() mutable { deliver(std::move(bytes)); });
     });
+}
+
+std::shared_ptr<ui::Button> makeShutter() {
+    auto shutter = std::make_shared<ui::Button>();
+    shutter->setBackgroundColor(gfx::Color::lightTextColor());
+    shutter->setTag(0);
+    shutter->layer().setBorderColor(gfx::Color::whiteColor());
+    shutter->layer().setBorderWidth(2);
+    return shutter;
+}
+
+void placeShutter(ui::Button& shutter, gfx::Size size) {
+    const double b = 3 * gfx::Font::systemFontSize();
+    shutter.setFrame({(size.width - b) / 2, size.height - 1.2 * b, b, b});
+    shutter.layer().setCornerRadius(b / 2);
 }
 
 } // namespace morvane::detail

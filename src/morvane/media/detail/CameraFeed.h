@@ -10,6 +10,7 @@
 
 #include <morvane/gfx/Image.h>
 #include <morvane/sys/Camera.h>
+#include <morvane/ui/controls/Button.h>
 #include <morvane/ui/controls/ImageView.h>
 
 #include <cstdint>
@@ -50,5 +51,12 @@ class CameraFeed {
     std::shared_ptr<sys::Camera> camera_;
     std::shared_ptr<Shared> shared_;
 };
+
+// The round button of the camera views and the reader: the platform's light
+// text colour, tag 0, a white ring 2 points wide.
+std::shared_ptr<ui::Button> makeShutter();
+// Centred near the bottom edge of a view of that size, 3 system font sizes
+// across, round.
+void placeShutter(ui::Button& shutter, gfx::Size size);
 
 } // namespace morvane::detail

@@ -12,11 +12,7 @@ CameraView::CameraView(const gfx::Rect& frame, std::string name) : ui::View(fram
     imgView_ = std::make_shared<ui::ImageView>();
     imgView_->setHidden(true);
     addSubview(imgView_);
-    save_ = std::make_shared<ui::Button>();
-    save_->setBackgroundColor(gfx::Color::lightTextColor());
-    save_->setTag(0);
-    save_->layer().setBorderColor(gfx::Color::whiteColor());
-    save_->layer().setBorderWidth(2);
+    save_ = makeShutter();
     // The button may outlive the view: the destructor takes the action back.
     save_->addAction(ui::ControlEvent::TouchUpInside, [this](ui::Control&) { btnAction(); });
     addSubview(save_);
@@ -36,10 +32,8 @@ double CameraView::buttonSide() {
     return 3 * gfx::Font::systemFontSize();
 }
 
-void CameraView::placeShutter() {
-    const double w = bounds().width, h = bounds().height, b = buttonSide();
-    save_->setFrame({(w - b) / 2, h - 1.2 * b, b, b});
-    save_->layer().setCornerRadius(b / 2);
+void CameraView::placeShutterAndPreview() {
+    detail::placeShutter(*save_, bounds().size());
     if (preview_) preview_->setFrame(previewFrame());
 }
 

@@ -57,8 +57,8 @@ class CameraView : public ui::View {
     CameraView(const gfx::Rect& frame, std::string name);
     // Where the preview goes, in the view's bounds.
     virtual gfx::Rect previewFrame() const = 0;
-    // The shutter's frame and corner, common to both views.
-    void placeShutter();
+    // The shutter and the preview, placed alike in both views.
+    void placeShutterAndPreview();
     static double buttonSide();
 
     PhotoCB nextCB_;
