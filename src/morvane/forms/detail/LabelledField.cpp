@@ -1,5 +1,7 @@
 #include <morvane/forms/detail/LabelledField.h>
 
+#include <morvane/forms/detail/Strips.h>
+
 #include <morvane/gfx/Font.h>
 #include <morvane/media/ImageColor.h>
 #include <morvane/media/ResourcePictures.h>
@@ -14,28 +16,18 @@ namespace {
 // Icons are drawn at this size and shown smaller, so they stay sharp at any scale.
 constexpr gfx::Size kIconSize{60, 60};
 
-std::shared_ptr<ui::TextField> strip(const gfx::Font& font, const gfx::Color& text,
-                                     const gfx::Color& background) {
-    auto field = std::make_shared<ui::TextField>();
-    field->setEnabled(false);
-    field->setFont(font);
-    field->setTextColor(text);
-    field->setBackgroundColor(background);
-    field->setHidden(true);
-    return field;
-}
-
 } // namespace
 
 LabelledField::LabelledField(std::string_view kind, std::string_view name,
                              std::optional<std::string_view> image, bool password, bool edit, bool tintIcon)
     : ui::View(gfx::Rect{}), kind_(kind) {
     const double f = gfx::Font::systemFontSize();
-    title_ = strip(gfx::Font::boldSystemFont(0.9 * f), gfx::Color::whiteColor(), gfx::Color::clearColor());
+    title_ =
+        makeStrip(gfx::Font::boldSystemFont(0.9 * f), gfx::Color::whiteColor(), gfx::Color::clearColor());
     addSubview(title_);
     if (kind_ == "ZBTxt") {
         extra_ =
-            strip(gfx::Font::boldSystemFont(0.6 * f), gfx::Color::whiteColor(), gfx::Color::clearColor());
+            makeStrip(gfx::Font::boldSystemFont(0.6 * f), gfx::Color::whiteColor(), gfx::Color::clearColor());
         extra_->setTextAlignment(gfx::TextAlignment::Right);
         addSubview(extra_);
     }
@@ -53,9 +45,10 @@ LabelledField::LabelledField(std::string_view kind, std::string_view name,
     txt_->addAction(ui::ControlEvent::EditingChanged, [this](ui::Control&) { textFieldDidChange(); });
     addSubview(txt_);
     setClipsToBounds(true);
-    error_ = strip(gfx::Font::boldSystemFont(0.6 * f), gfx::Color::whiteColor(), gfx::Color::redColor());
+    error_ = makeStrip(gfx::Font::boldSystemFont(0.6 * f), gfx::Color::whiteColor(), gfx::Color::redColor());
     addSubview(error_);
-    toaster_ = strip(gfx::Font::boldSystemFont(0.6 * f), gfx::Color::whiteColor(), gfx::Color::blackColor());
+    toaster_ =
+        makeStrip(gfx::Font::boldSystemFont(0.6 * f), gfx::Color::whiteColor(), gfx::Color::blackColor());
     addSubview(toaster_);
     title_->setText(std::string(name));
     if (image) {
@@ -93,14 +86,7 @@ LabelledField& LabelledField::quit() {
 }
 
 void LabelledField::addError(std::string_view text, const gfx::Color& colour) {
-    if (text.empty()) {
-        error_->setHidden(true);
-        error_->setBackgroundColor(gfx::Color::clearColor());
-    } else {
-        error_->setHidden(false);
-        error_->setBackgroundColor(colour);
-    }
-    error_->setText(std::string(text));
+    showError(*error_, text, colour);
     // The icon and the entry move when the line comes and goes.
     setNeedsLayout();
 }
@@ -115,32 +101,7 @@ void LabelledField::showErrorInput() {
 
 void LabelledField::toast(std::string_view text) {
     MORVANE_ASSERT_MAIN_THREAD();
-    toaster_->setText(std::string(text));
-    toaster_->setBackgroundColor(gfx::Color::redColor());
-    toaster_->setHidden(false);
-    toaster_->setAlpha(0);
-    const double fieldHeight = bounds().height;
-    std::weak_ptr<ui::TextField> weak = toaster_;
-    animate(
-        kToastUp,
-        [&] {
-            toaster_->setCenter({toaster_->center().x, fieldHeight - toaster_->bounds().height / 2});
-            toaster_->setAlpha(1);
-        },
-        [weak](bool) {
-            auto strip = weak.lock();
-            if (!strip) return;
-            animate(
-                kToastDown,
-                [&] {
-                    const gfx::Rect frame = strip->frame();
-                    strip->setCenter({strip->center().x, frame.y + frame.height});
-                    strip->setAlpha(0);
-                },
-                [weak](bool) {
-                    if (auto strip = weak.lock()) strip->setHidden(true);
-                });
-        });
+    slideToast(toaster_, bounds().height, text);
 }
 
 gfx::Image LabelledField::bImage(std::string_view name) {

@@ -53,9 +53,6 @@ class LabelledField : public ui::View, protected ui::TextFieldDelegate {
     // same name takes its place).
     static gfx::Image bImage(std::string_view name);
 
-    static constexpr double kToastUp = 1.5;
-    static constexpr double kToastDown = 1.0;
-
   protected:
     LabelledField(std::string_view kind, std::string_view name, std::optional<std::string_view> image,
                   bool password, bool edit, bool tintIcon);
