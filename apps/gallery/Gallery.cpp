@@ -3,6 +3,7 @@
 #include "BoardingScreen.h"
 #include "BookingsScreen.h"
 #include "CameraScreen.h"
+#include "FormsScreen.h"
 #include "MenusScreen.h"
 #include "SampleFile.h"
 #include "ToastsScreen.h"
@@ -87,6 +88,12 @@ std::vector<Navigator::Entry> Gallery::screens() {
          "caption is placed with a touch and typed.",
          [this](const gfx::Rect& frame, Screen::Back back) -> std::shared_ptr<Screen> {
              return CameraScreen::make(frame, cameraScene(), options_.scratch / "camera", std::move(back));
+         }},
+        {"forms", "Table request",
+         "Labelled text fields that format, filter and check what is typed and remember the last entry, "
+         "and a note retyped in a data input bar.",
+         [](const gfx::Rect& frame, Screen::Back back) -> std::shared_ptr<Screen> {
+             return FormsScreen::make(frame, std::move(back));
          }},
     };
 }

@@ -23,8 +23,8 @@ std::vector<TourStep> homeSteps() {
 
 std::vector<TourStep> tourSteps() {
     std::vector<TourStep> steps;
-    for (auto part :
-         {homeSteps, venueSteps, menusSteps, bookingsSteps, toastsSteps, boardingSteps, cameraSteps})
+    for (auto part : {homeSteps, venueSteps, menusSteps, bookingsSteps, toastsSteps, boardingSteps,
+                      cameraSteps, formsSteps})
         for (TourStep& step : part())
             steps.push_back(std::move(step));
     return steps;

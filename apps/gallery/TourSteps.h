@@ -16,6 +16,7 @@ std::vector<TourStep> bookingsSteps();
 std::vector<TourStep> toastsSteps();
 std::vector<TourStep> boardingSteps();
 std::vector<TourStep> cameraSteps();
+std::vector<TourStep> formsSteps();
 
 // Every step, in the order the tour plays them.
 std::vector<TourStep> tourSteps();
