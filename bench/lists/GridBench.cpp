@@ -80,18 +80,10 @@ std::shared_ptr<UITblHdrAll> makeMenus(ui::HeadlessHost& host) {
     return menus;
 }
 
-// One frame as the window host makes it: run what is due, lay out, clear
-// the window's pixels (kept from frame to frame) and draw the whole window
-// at the phone's scale.
+// One frame as the window host makes it.
 void frame(ui::HeadlessHost& host) {
-    static ui::Renderer renderer;
-    const gfx::Size size = host.root()->bounds().size();
-    const int width = int(size.width * kScale), height = int(size.height * kScale);
-    static std::vector<std::uint8_t> pixels(std::size_t(width) * std::size_t(height) * 4);
-    host.runUntilIdle();
-    auto canvas = gfx::Canvas::overPixels(pixels.data(), width, height, width * 4, kScale);
-    canvas->clear(gfx::Color::whiteColor());
-    renderer.render(*host.root(), *canvas);
+    static bench::FrameDrawer draw(kScale);
+    draw(host);
 }
 
 // Frames of a scroll of the grid from `from` downwards; their times are appended.

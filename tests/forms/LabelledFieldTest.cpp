@@ -275,7 +275,9 @@ TEST_F(FieldTest, the_last_entry_survives_a_restart_and_passwords_are_not_kept) 
         guest->removeFromSuperview();
         secret->removeFromSuperview();
     }
-    // Another data folder and back: the store is read from its file again.
+    // Another data folder and back, once the saves are written: the store is
+    // read from its file again.
+    sys::Queue::waitIdle();
     sys::App::setDataFolder(root / "Elsewhere");
     EXPECT_FALSE(ZBTxt::userDefault("Guest name"));
     sys::App::setDataFolder(root / "Data");
@@ -302,6 +304,7 @@ TEST_F(FieldTest, the_last_entry_survives_a_restart_and_passwords_are_not_kept) 
     focus(*again);
     host->typeText("ok");
     EXPECT_EQ(again->text(), "ok");
+    sys::Queue::waitIdle();
     EXPECT_FALSE(log.texts().empty());
     sys::App::setDataFolder(root / "Data");
 }

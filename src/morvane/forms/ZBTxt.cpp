@@ -12,6 +12,9 @@
 #include <morvane/util/Txt.h>
 
 #include <array>
+#include <cstdint>
+#include <map>
+#include <mutex>
 #include <utility>
 
 namespace morvane {

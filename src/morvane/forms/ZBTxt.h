@@ -47,8 +47,9 @@ class ZBTxt : public detail::LabelledField {
     // The keyboard toolbar's Done.
     void doneButtonTapped();
 
-    // The settings store, written at once; a failed write is logged and the
-    // field carries on.
+    // The settings store. A save is read back at once and written to the
+    // store's file a moment later, off the main thread, in the order made;
+    // a failed write is logged and the field carries on.
     static void userDefaultSave(std::string_view key, std::string_view value);
     static std::optional<std::string> userDefault(std::string_view key);
 
