@@ -1,5 +1,7 @@
 #include <morvane/ui/core/Window.h>
 
+#include <algorithm>
+
 #include <morvane/sys/Clock.h>
 #include <morvane/ui/controls/Control.h>
 #include <morvane/ui/core/GestureRecognizer.h>
@@ -167,6 +169,31 @@ void Window::sendTouchCancel() {
 void Window::sendText(std::string_view text) {
     if (text.empty()) return;
     if (auto focused = firstResponder_.lock()) focused->insertText(text);
+}
+
+namespace {
+void collectFocusable(View& view, std::vector<std::shared_ptr<View>>& out) {
+    if (view.isHidden() || view.alpha() < 0.01 || !view.isUserInteractionEnabled()) return;
+    if (view.canBecomeFirstResponder()) out.push_back(view.shared_from_this());
+    // A copy: the walk must not hold an iterator into a child list.
+    auto children = view.subviews();
+    for (auto& child : children)
+        collectFocusable(*child, out);
+}
+} // namespace
+
+bool Window::focusNextField(View& from) {
+    std::vector<std::shared_ptr<View>> fields;
+    collectFocusable(*this, fields);
+    auto at = std::find_if(fields.begin(), fields.end(), [&](auto& v) { return v.get() == &from; });
+    if (fields.empty() || (fields.size() == 1 && at != fields.end())) return false;
+    std::size_t start = at == fields.end() ? fields.size() - 1 : std::size_t(at - fields.begin());
+    for (std::size_t k = 1; k <= fields.size(); ++k) {
+        auto& next = fields[(start + k) % fields.size()];
+        if (next.get() == &from) break;
+        if (next->becomeFirstResponder()) return true;
+    }
+    return false;
 }
 
 bool Window::sendKey(Key key) {

@@ -32,6 +32,10 @@ class Window : public View {
     // Typed text and keys go to the first responder; nothing happens without one.
     void sendText(std::string_view text);
     bool sendKey(Key key);
+    // Moves the focus from `from` to the next view after it, in the order the
+    // tree is drawn, that takes typed text (wrapping round to the first).
+    // False when no other view would take it.
+    bool focusNextField(View& from);
 
   private:
     friend class View;

@@ -7,6 +7,8 @@
 #include <morvane/ui/core/Renderer.h>
 #include <morvane/ui/core/Window.h>
 #include <morvane/ui/core/detail/Animator.h>
+#include <morvane/ui/text/TextField.h>
+#include <morvane/ui/text/TextView.h>
 
 #include <SDL.h>
 
@@ -197,6 +199,17 @@ void WindowHost::handleEvents(double maxWait) {
             window_->sendText(event.text.text);
             break;
         case SDL_KEYDOWN:
+            if ((event.key.keysym.mod & KMOD_CTRL) && event.key.keysym.sym == SDLK_c) {
+                // Copy the focused field's selection (all of it when none);
+                // a secure field gives nothing.
+                std::string copied;
+                if (auto* field = dynamic_cast<TextField*>(window_->firstResponder()))
+                    copied = field->textToCopy();
+                else if (auto* view = dynamic_cast<TextView*>(window_->firstResponder()))
+                    copied = view->textToCopy();
+                if (!copied.empty()) SDL_SetClipboardText(copied.c_str());
+                break;
+            }
             if ((event.key.keysym.mod & KMOD_CTRL) && event.key.keysym.sym == SDLK_v) {
                 // A paste reaches the focused view as one piece of text.
                 if (char* clip = SDL_GetClipboardText()) {

@@ -3,6 +3,7 @@
 #include <morvane/gfx/Canvas.h>
 #include <morvane/gfx/TextMetrics.h>
 #include <morvane/sys/Log.h>
+#include <morvane/sys/Timer.h>
 #include <morvane/ui/core/Window.h>
 #include <morvane/ui/text/detail/TextBuffer.h>
 
@@ -14,6 +15,7 @@ namespace {
 constexpr double kPadding = 7;
 const gfx::Color kPlaceholderColor = gfx::Color::gray(0.7);
 const gfx::Color kCaretColor = gfx::Color::fromBytes(0, 122, 255);
+constexpr double kBlinkHalfPeriod = 0.5;
 } // namespace
 
 TextField::TextField() {
@@ -27,12 +29,44 @@ TextField::TextField(const gfx::Rect& frame) : TextField() {
 }
 
 TextField::~TextField() {
+    stopBlink();
     if (accessory_) accessory_->removeFromSuperview();
+}
+
+void TextField::restartBlink() {
+    caretShown_ = true;
+    stopBlink();
+    if (!editing_) return;
+    std::weak_ptr<View> weak = weak_from_this();
+    blink_ = sys::Timer::schedule(kBlinkHalfPeriod, sys::Timer::Repeat::Repeating, [weak](sys::Timer& timer) {
+        auto self = std::static_pointer_cast<TextField>(weak.lock());
+        if (!self || !self->editing_) {
+            timer.invalidate();
+            return;
+        }
+        self->caretShown_ = !self->caretShown_;
+        self->setNeedsDisplay();
+    });
+}
+
+void TextField::stopBlink() {
+    if (blink_) blink_->invalidate();
+    blink_.reset();
+}
+
+std::string TextField::textToCopy() const {
+    if (secure_) return {};
+    if (selection_.length == 0) return text_;
+    auto from = detail::byteOffset(text_, selection_.location);
+    auto to = detail::byteOffset(text_, selection_.end());
+    if (!from || !to) return {};
+    return text_.substr(*from, *to - *from);
 }
 
 void TextField::setText(std::string text) {
     text_ = std::move(text);
     selection_ = {detail::utf16Length(text_), 0};
+    caretShown_ = true;
     setNeedsDisplay();
 }
 
@@ -92,6 +126,7 @@ bool TextField::becomeFirstResponder() {
     if (!Control::becomeFirstResponder()) return false;
     editing_ = true;
     selection_ = {detail::utf16Length(text_), 0};
+    restartBlink();
     didMoveToWindow(); // shows the accessory view
     setNeedsDisplay();
     auto keep = shared_from_this();
@@ -110,6 +145,8 @@ bool TextField::resignFirstResponder() {
 
 void TextField::endEditingState() {
     editing_ = false;
+    stopBlink();
+    scrollOffset_ = 0;
     if (accessory_) accessory_->removeFromSuperview();
     setNeedsDisplay();
     auto keep = shared_from_this();
@@ -138,6 +175,7 @@ bool TextField::replace(TextRange range, std::string_view replacement) {
     if (delegate_ && !delegate_->shouldChangeCharacters(*this, range, replacement)) return false;
     // The delegate may have changed the text itself; the range must still fit.
     if (!detail::applyEdit(text_, selection_, range, replacement)) return false;
+    caretShown_ = true;
     setNeedsDisplay();
     sendActions(ControlEvent::EditingChanged);
     return true;
@@ -160,13 +198,18 @@ void TextField::insertText(std::string_view text) {
         keyPressed(Key::Return);
         return;
     }
-    replace(selection_, text);
+    std::string clean = detail::typedText(text, /*oneLine=*/true);
+    if (!clean.empty()) replace(selection_, clean);
 }
 
 bool TextField::keyPressed(Key key) {
     if (!editing_) return Control::keyPressed(key);
     std::size_t length = detail::utf16Length(text_);
+    caretShown_ = true;
     switch (key) {
+    case Key::Tab:
+        if (Window* w = window()) return w->focusNextField(*this);
+        return false;
     case Key::Return: {
         auto keep = shared_from_this();
         bool accept = !delegate_ || delegate_->textFieldShouldReturn(*this);
@@ -208,7 +251,9 @@ void TextField::touchEndedInside(const Touch&) {
 gfx::Rect TextField::textRect() const {
     gfx::Rect b = bounds();
     double inset = border_ == BorderStyle::None ? 0 : kPadding;
-    return {inset, 0, std::max(0.0, b.width - 2 * inset), b.height};
+    // Text shifted right by the layer shows in less of the width.
+    double shifted = std::max(0.0, layer().sublayerTranslation().x);
+    return {inset, 0, std::max(0.0, b.width - 2 * inset - shifted), b.height};
 }
 
 gfx::Size TextField::sizeThatFits(gfx::Size) const {
@@ -230,19 +275,40 @@ void TextField::draw(gfx::Canvas& canvas, const gfx::Rect& rect) {
         gfx::TextStyle placeholderStyle = style_;
         placeholderStyle.color = kPlaceholderColor;
         canvas.drawText(placeholder_, area, placeholderStyle);
-    } else if (!shown.empty()) {
-        canvas.drawText(shown, area, style_);
     }
-    if (!editing_) return;
+    double full = shown.empty() ? 0 : gfx::TextMetrics::size(shown, style_.font).width;
     // The caret: after the text before it, placed as the alignment places the line.
-    std::string before = detail::textBefore(text_, selection_.location);
-    if (secure_) before = detail::bullets(before);
-    double full = gfx::TextMetrics::size(shown, style_.font).width;
-    double x = area.x + gfx::TextMetrics::size(before, style_.font).width;
-    if (style_.alignment == gfx::TextAlignment::Center)
-        x += (area.width - full) / 2;
-    else if (style_.alignment == gfx::TextAlignment::Right)
-        x += area.width - full;
+    double caret = 0;
+    if (editing_) {
+        std::string before = detail::textBefore(text_, selection_.location);
+        if (secure_) before = detail::bullets(before);
+        caret = gfx::TextMetrics::size(before, style_.font).width;
+    }
+    double lineStart = area.x;
+    if (full + 2 > area.width) {
+        // Too wide for the field: left aligned, scrolled just enough to keep
+        // the caret in sight (the end of the text when not editing).
+        if (!editing_) caret = full;
+        scrollOffset_ = std::min(std::max(scrollOffset_, caret + 2 - area.width), caret);
+        scrollOffset_ = std::min(std::max(scrollOffset_, 0.0), full + 2 - area.width);
+        lineStart = area.x - scrollOffset_;
+        if (!shown.empty()) {
+            gfx::Canvas::SavedState saved(canvas);
+            canvas.clipToRect(area);
+            gfx::TextStyle style = style_;
+            style.alignment = gfx::TextAlignment::Left;
+            canvas.drawText(shown, {lineStart, area.y, full + 2, area.height}, style);
+        }
+    } else {
+        scrollOffset_ = 0;
+        if (!shown.empty()) canvas.drawText(shown, area, style_);
+        if (style_.alignment == gfx::TextAlignment::Center)
+            lineStart += (area.width - full) / 2;
+        else if (style_.alignment == gfx::TextAlignment::Right)
+            lineStart += area.width - full;
+    }
+    if (!editing_ || !caretShown_) return;
+    double x = lineStart + caret;
     double lineHeight = gfx::TextMetrics::size("Ag", style_.font).height;
     double top = area.y + (area.height - lineHeight) / 2;
     canvas.fillRect({std::min(x, area.x + area.width - 2), top, 2, lineHeight}, kCaretColor);

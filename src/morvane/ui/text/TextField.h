@@ -9,7 +9,10 @@
 //   field->setDelegate(&form);            // not owned
 //   field->addAction(ui::ControlEvent::EditingChanged, [](ui::Control& c) { ... });
 //
-// Ranges count UTF-16 code units (see TextRange).
+// Ranges count UTF-16 code units (see TextRange). While editing, the caret
+// blinks on the kit's clock (half a second on, half off, steady right after
+// each change) and a text wider than the field scrolls so the caret stays in
+// sight. Tab hands the focus to the next field of the window.
 
 #include <morvane/gfx/Font.h>
 #include <morvane/gfx/TextStyle.h>
@@ -20,6 +23,10 @@
 #include <memory>
 #include <string>
 #include <string_view>
+
+namespace morvane::sys {
+class Timer;
+}
 
 namespace morvane::ui {
 
@@ -100,6 +107,13 @@ class TextField : public Control {
     bool replace(TextRange range, std::string_view replacement);
     // Empties the field when the delegate's shouldClear agrees.
     bool clear();
+    // The selected text, or all of it when nothing is selected; nothing from
+    // a secure field, whose text must not leave it.
+    std::string textToCopy() const;
+    // True while the blinking caret is in its visible half.
+    bool isCaretShown() const { return editing_ && caretShown_; }
+    // How far the text is scrolled to the left to keep the caret in sight.
+    double scrollOffset() const { return scrollOffset_; }
 
     bool canBecomeFirstResponder() const override;
     bool becomeFirstResponder() override;
@@ -116,6 +130,11 @@ class TextField : public Control {
   private:
     gfx::Rect textRect() const;
     void endEditingState();
+    // The caret shows steadily again after a change or a move, then blinks.
+    void restartBlink();
+    void stopBlink();
+    // Caret position (from the text's start) and the scroll that keeps it in view.
+    void updateScroll();
 
     std::string text_;
     std::string placeholder_;
@@ -129,6 +148,9 @@ class TextField : public Control {
     TextFieldDelegate* delegate_ = nullptr;
     bool editing_ = false;
     TextRange selection_;
+    std::shared_ptr<sys::Timer> blink_;
+    bool caretShown_ = true;
+    double scrollOffset_ = 0;
 };
 
 } // namespace morvane::ui

@@ -3,6 +3,7 @@
 #include <morvane/gfx/Canvas.h>
 #include <morvane/gfx/TextMetrics.h>
 #include <morvane/sys/Log.h>
+#include <morvane/ui/core/Window.h>
 #include <morvane/ui/text/detail/TextBuffer.h>
 
 #include <algorithm>
@@ -153,9 +154,19 @@ bool TextView::replace(TextRange range, std::string_view replacement) {
     return true;
 }
 
+std::string TextView::textToCopy() const {
+    if (secure_) return {};
+    if (selection_.length == 0) return text_;
+    auto from = detail::byteOffset(text_, selection_.location);
+    auto to = detail::byteOffset(text_, selection_.end());
+    if (!from || !to) return {};
+    return text_.substr(*from, *to - *from);
+}
+
 void TextView::insertText(std::string_view text) {
     if (!editing_) return;
-    replace(selection_, text);
+    std::string clean = detail::typedText(text, /*oneLine=*/false);
+    if (!clean.empty()) replace(selection_, clean);
 }
 
 bool TextView::keyPressed(Key key) {
@@ -175,6 +186,9 @@ bool TextView::keyPressed(Key key) {
     case Key::Right:
         setSelectedRange({detail::nextBoundary(text_, selection_.end()), 0});
         return true;
+    case Key::Tab:
+        if (Window* w = window()) return w->focusNextField(*this);
+        return false;
     case Key::Home:
         setSelectedRange({0, 0});
         return true;

@@ -70,6 +70,9 @@ class TextView : public ScrollView {
     // Replaces a range as typing would: asks the delegate, changes the text,
     // tells textViewDidChange. False when refused or outside the text (logged).
     bool replace(TextRange range, std::string_view replacement);
+    // The selected text, or all of it when nothing is selected; nothing from
+    // a secure view.
+    std::string textToCopy() const;
 
     bool canBecomeFirstResponder() const override;
     bool becomeFirstResponder() override;

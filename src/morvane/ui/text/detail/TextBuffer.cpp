@@ -29,6 +29,51 @@ template <class Visit> void walk(std::string_view text, Visit visit) {
 
 } // namespace
 
+std::string typedText(std::string_view text, bool oneLine) {
+    static constexpr std::string_view kReplacement = "\xEF\xBF\xBD";
+    std::string out;
+    out.reserve(text.size());
+    std::size_t i = 0;
+    while (i < text.size()) {
+        const auto lead = static_cast<unsigned char>(text[i]);
+        if (lead < 0x80) {
+            if (lead == '\r' && i + 1 < text.size() && text[i + 1] == '\n') {
+                ++i; // CR LF: one line end
+                continue;
+            }
+            if (lead == '\n' || lead == '\r' || lead == '\t')
+                out += oneLine ? ' ' : (lead == '\r' ? '\n' : char(lead));
+            else if (lead >= 0x20 && lead != 0x7F)
+                out += char(lead);
+            ++i;
+            continue;
+        }
+        // A well-formed sequence: the right number of continuation bytes, no
+        // overlong form, no surrogate, nothing past U+10FFFF.
+        std::size_t n = sequenceLength(lead);
+        char32_t code = n == 2 ? lead & 0x1F : n == 3 ? lead & 0x0F : lead & 0x07;
+        bool ok = n > 1 && i + n <= text.size();
+        for (std::size_t k = 1; ok && k < n; ++k) {
+            const auto next = static_cast<unsigned char>(text[i + k]);
+            ok = (next & 0xC0) == 0x80;
+            code = (code << 6) | (next & 0x3F);
+        }
+        if (ok) {
+            const char32_t least = n == 2 ? 0x80 : n == 3 ? 0x800 : 0x10000;
+            ok = code >= least && code <= 0x10FFFF && !(code >= 0xD800 && code <= 0xDFFF);
+        }
+        if (!ok) {
+            out += kReplacement;
+            ++i;
+            continue;
+        }
+        // C1 controls (U+0080..U+009F) are dropped like the C0 ones.
+        if (!(code >= 0x80 && code <= 0x9F)) out.append(text.substr(i, n));
+        i += n;
+    }
+    return out;
+}
+
 std::size_t utf16Length(std::string_view text) {
     std::size_t length = 0;
     walk(text, [&](std::size_t, std::size_t unit, std::size_t, std::size_t) {

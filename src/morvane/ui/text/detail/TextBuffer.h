@@ -21,6 +21,11 @@ std::size_t previousBoundary(std::string_view text, std::size_t utf16Index);
 std::size_t nextBoundary(std::string_view text, std::size_t utf16Index);
 // The text with the range replaced; null when the range does not fit the text.
 std::optional<std::string> replaced(std::string_view text, TextRange range, std::string_view replacement);
+// What typing or a paste may put into an edited text: ill-formed UTF-8
+// becomes U+FFFD, and control characters a keyboard never types are dropped.
+// A one-line text also turns line ends and tabs into blanks; a multi-line
+// text keeps them, with a CR LF pair as one line end.
+std::string typedText(std::string_view text, bool oneLine);
 // One bullet per code point, for secure entry.
 std::string bullets(std::string_view text);
 
