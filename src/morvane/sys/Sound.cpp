@@ -7,6 +7,7 @@
 #include <algorithm>
 #include <chrono>
 #include <cmath>
+#include <cstdlib>
 #include <condition_variable>
 #include <mutex>
 #include <numbers>
@@ -53,6 +54,26 @@ void watch(SDL_AudioDeviceID device) {
     }
 }
 
+// A sound server (PulseAudio, PipeWire) is reached through the session's
+// runtime folder or an address given for it. Without either there is no
+// server to find, and asking for one anyway makes its client library leave a
+// runtime folder of its own in the temporary folder: then only the drivers
+// that talk to the sound card are tried. A driver named in SDL_AUDIODRIVER
+// is left to SDL.
+void chooseDriversOutsideASession() {
+    if (std::getenv("SDL_AUDIODRIVER") || std::getenv("PULSE_SERVER")) return;
+    if (const char* runtime = std::getenv("XDG_RUNTIME_DIR"); runtime && *runtime) return;
+    std::string drivers;
+    for (int i = 0; i < SDL_GetNumAudioDrivers(); ++i) {
+        const std::string name = SDL_GetAudioDriver(i);
+        // The disk and dummy drivers are never wanted by default (the disk
+        // one writes a file where the program runs).
+        if (name == "pulseaudio" || name == "pipewire" || name == "disk" || name == "dummy") continue;
+        drivers += (drivers.empty() ? "" : ",") + name;
+    }
+    if (!drivers.empty()) SDL_SetHint(SDL_HINT_AUDIODRIVER, drivers.c_str());
+}
+
 } // namespace
 
 const std::vector<std::int16_t>& Sound::alertSamples() {
@@ -81,6 +102,7 @@ bool Sound::playAlert() {
     std::lock_guard lock(p.mutex);
     ++p.asked;
     if (!p.device) {
+        if (SDL_WasInit(SDL_INIT_AUDIO) == 0) chooseDriversOutsideASession();
         if (SDL_WasInit(SDL_INIT_AUDIO) == 0 && SDL_InitSubSystem(SDL_INIT_AUDIO) != 0) {
             if (!std::exchange(p.failureLogged, true))
                 Log::platform(std::string("Sound: no audio (") + SDL_GetError() + "); alerts are silent");
