@@ -352,6 +352,32 @@ std::optional<std::array<std::uint8_t, 4>> Image::pixelBytes(int x, int y, Pixel
     return std::array<std::uint8_t, 4>{std::uint8_t(r), std::uint8_t(g), std::uint8_t(b), std::uint8_t(a)};
 }
 
+std::optional<Color> Image::averageColor() const {
+    if (!impl_) return std::nullopt;
+    cairo_surface_flush(impl_->surface);
+    const unsigned char* data = cairo_image_surface_get_data(impl_->surface);
+    const int stride = cairo_image_surface_get_stride(impl_->surface);
+    const int w = pixelWidth(), h = pixelHeight();
+    if (w <= 0 || h <= 0) return std::nullopt;
+    // Premultiplied sums, so a transparent pixel adds no colour; a row's sums
+    // fit in 64 bits for any picture the decoders accept.
+    std::uint64_t a = 0, r = 0, g = 0, b = 0;
+    for (int y = 0; y < h; ++y) {
+        const auto* row = reinterpret_cast<const std::uint32_t*>(data + static_cast<std::size_t>(y) * stride);
+        for (int x = 0; x < w; ++x) {
+            const std::uint32_t p = row[x];
+            a += p >> 24;
+            r += (p >> 16) & 0xff;
+            g += (p >> 8) & 0xff;
+            b += p & 0xff;
+        }
+    }
+    if (a == 0) return Color::clearColor();
+    const double count = double(w) * double(h);
+    return Color(double(r) / double(a), double(g) / double(a), double(b) / double(a),
+                 double(a) / (count * 255));
+}
+
 std::vector<std::uint8_t> Image::pngData() const {
     return impl_ ? detail::encodePNG(impl_->surface) : std::vector<std::uint8_t>{};
 }

@@ -90,6 +90,11 @@ class Image {
     // copy of the picture, however large. Nothing outside the image.
     std::optional<std::array<std::uint8_t, 4>> pixelBytes(int x, int y, PixelFormat format) const;
 
+    // The whole picture averaged to one colour (straight, not premultiplied):
+    // what a filter that reduces an area to one pixel gives. Read in place.
+    // Nothing for the null image.
+    std::optional<Color> averageColor() const;
+
     // Encodings; an empty vector for the null image. JPEG quality is 0...1.
     std::vector<std::uint8_t> pngData() const;
     std::vector<std::uint8_t> jpegData(double quality) const;
