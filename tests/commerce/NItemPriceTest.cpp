@@ -2,6 +2,7 @@
 // pressed as a person would; what each button reports, in which order, and
 // what its fields flag.
 #include "AppSandbox.h"
+#include "Rects.h"
 #include "Reentrancy.h"
 #include "Snapshot.h"
 
@@ -191,19 +192,15 @@ TEST_F(NItemPriceTest, typed_names_are_checked_against_the_names_in_use_and_pric
 }
 
 TEST_F(NItemPriceTest, lays_out_by_the_frame_and_draws_the_form_over_the_delete_strip) {
-    const auto near = [](const gfx::Rect& a, const gfx::Rect& b) {
-        return std::abs(a.x - b.x) < 1e-9 && std::abs(a.y - b.y) < 1e-9 &&
-               std::abs(a.width - b.width) < 1e-9 && std::abs(a.height - b.height) < 1e-9;
-    };
-    EXPECT_TRUE(near(editor->title()->frame(), {35, 0, 280, 42}));
-    EXPECT_TRUE(near(editor->closeBtn()->frame(), {315, 0, 17.5, 42}));
-    EXPECT_TRUE(near(editor->itemTxt()->frame(), {17.5, 45, 315, 60}));
-    EXPECT_TRUE(near(editor->priceTxt()->frame(), {17.5, 117, 315, 60}));
-    EXPECT_TRUE(near(editor->saveBtn()->frame(), {192.5, 192, 140, 45}));
-    EXPECT_TRUE(near(editor->checkBtn()->frame(), {17.5, 192, 35, 45}));
-    EXPECT_TRUE(near(editor->nwBtn()->frame(), {70, 192, 98, 45}));
-    EXPECT_TRUE(near(editor->lineBtn()->frame(), {178.5, 198, 3.5, 36}));
-    EXPECT_TRUE(near(editor->delBtn()->frame(), {35, 246, 280, 54}));
+    EXPECT_TRUE(sameRect(editor->title()->frame(), {35, 0, 280, 42}));
+    EXPECT_TRUE(sameRect(editor->closeBtn()->frame(), {315, 0, 17.5, 42}));
+    EXPECT_TRUE(sameRect(editor->itemTxt()->frame(), {17.5, 45, 315, 60}));
+    EXPECT_TRUE(sameRect(editor->priceTxt()->frame(), {17.5, 117, 315, 60}));
+    EXPECT_TRUE(sameRect(editor->saveBtn()->frame(), {192.5, 192, 140, 45}));
+    EXPECT_TRUE(sameRect(editor->checkBtn()->frame(), {17.5, 192, 35, 45}));
+    EXPECT_TRUE(sameRect(editor->nwBtn()->frame(), {70, 192, 98, 45}));
+    EXPECT_TRUE(sameRect(editor->lineBtn()->frame(), {178.5, 198, 3.5, 36}));
+    EXPECT_TRUE(sameRect(editor->delBtn()->frame(), {35, 246, 280, 54}));
     EXPECT_DOUBLE_EQ(editor->layer().cornerRadius(), 15);
     EXPECT_DOUBLE_EQ(editor->saveBtn()->layer().cornerRadius(), 15);
 

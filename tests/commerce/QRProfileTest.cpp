@@ -2,6 +2,7 @@
 // record gives, what its code holds, the picture in place of the code, the
 // toggle to the reader and back, the scan report, and its layout.
 #include "AppSandbox.h"
+#include "Rects.h"
 #include "Reentrancy.h"
 #include "Snapshot.h"
 
@@ -65,15 +66,6 @@ class QRProfileTest : public ::testing::Test, protected AppSandbox {
         return out;
     }
     void press(const ui::View& button) { host->tap(button.convertRectTo(button.bounds(), nullptr).center()); }
-
-    static ::testing::AssertionResult near(const gfx::Rect& a, const gfx::Rect& b) {
-        if (std::abs(a.x - b.x) < 1e-9 && std::abs(a.y - b.y) < 1e-9 && std::abs(a.width - b.width) < 1e-9 &&
-            std::abs(a.height - b.height) < 1e-9)
-            return ::testing::AssertionSuccess();
-        return ::testing::AssertionFailure()
-               << a.x << "," << a.y << " " << a.width << "x" << a.height << " is not " << b.x << "," << b.y
-               << " " << b.width << "x" << b.height;
-    }
 
     std::unique_ptr<ui::HeadlessHost> host;
     std::shared_ptr<QRProfile> panel;
@@ -196,13 +188,15 @@ TEST_F(QRProfileTest, a_narrow_picture_leaves_the_lines_more_room) {
 TEST_F(QRProfileTest, lays_out_by_its_size_and_a_touched_line_grows_by_half_until_touched_again) {
     const double b = 2.5 * gfx::Font::systemFontSize();
     const double w = 390, h = 844;
-    EXPECT_TRUE(near(panel->backBtn()->frame(), gfx::Rect(0, 0, w, 2 * b)));
-    EXPECT_TRUE(near(panel->qrGenUI()->frame(), gfx::Rect((w - 0.4 * h) / 2, 2 * b, 0.4 * h, 0.4 * h)));
-    EXPECT_TRUE(near(panel->qrReadUI()->frame(), gfx::Rect((w - 0.4 * h) / 2, 0.05 * h, 0.4 * h, 0.4 * h)));
-    EXPECT_TRUE(near(panel->qrProfileTbl()->frame(), gfx::Rect(0.1 * w, 2 * b + 0.4 * h, 0.8 * w, 0.35 * h)));
-    EXPECT_TRUE(near(panel->scanQRBtn()->frame(), gfx::Rect(0.3 * w, h - 1.5 * b, 0.4 * w, 0.9 * b)));
-    EXPECT_TRUE(near(panel->indicator()->frame(),
-                     gfx::Rect((w - 1.5 * b) / 2, (h - 1.5 * b) * 0.4, 1.5 * b, 1.5 * b)));
+    EXPECT_TRUE(sameRect(panel->backBtn()->frame(), gfx::Rect(0, 0, w, 2 * b)));
+    EXPECT_TRUE(sameRect(panel->qrGenUI()->frame(), gfx::Rect((w - 0.4 * h) / 2, 2 * b, 0.4 * h, 0.4 * h)));
+    EXPECT_TRUE(
+        sameRect(panel->qrReadUI()->frame(), gfx::Rect((w - 0.4 * h) / 2, 0.05 * h, 0.4 * h, 0.4 * h)));
+    EXPECT_TRUE(
+        sameRect(panel->qrProfileTbl()->frame(), gfx::Rect(0.1 * w, 2 * b + 0.4 * h, 0.8 * w, 0.35 * h)));
+    EXPECT_TRUE(sameRect(panel->scanQRBtn()->frame(), gfx::Rect(0.3 * w, h - 1.5 * b, 0.4 * w, 0.9 * b)));
+    EXPECT_TRUE(sameRect(panel->indicator()->frame(),
+                         gfx::Rect((w - 1.5 * b) / 2, (h - 1.5 * b) * 0.4, 1.5 * b, 1.5 * b)));
     EXPECT_TRUE(panel->scanQRTestBtn()->isHidden());
     EXPECT_EQ(panel->logoffBtn()->frame().size(), gfx::Size(0, 0));
 

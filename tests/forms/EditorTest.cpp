@@ -2,6 +2,7 @@
 // headless host: typing and validation, the order of resigning and
 // reporting, layouts, the slides on the manual clock, and re-entrancy.
 #include "AppSandbox.h"
+#include "Rects.h"
 #include "Reentrancy.h"
 #include "Snapshot.h"
 
@@ -26,15 +27,6 @@ using namespace morvane;
 using namespace morvane::test;
 
 namespace {
-
-::testing::AssertionResult near(const gfx::Rect& a, const gfx::Rect& b) {
-    const bool close = std::abs(a.x - b.x) < 1e-6 && std::abs(a.y - b.y) < 1e-6 &&
-                       std::abs(a.width - b.width) < 1e-6 && std::abs(a.height - b.height) < 1e-6;
-    if (close) return ::testing::AssertionSuccess();
-    return ::testing::AssertionFailure()
-           << a.x << "," << a.y << " " << a.width << "x" << a.height << " is not " << b.x << "," << b.y << " "
-           << b.width << "x" << b.height;
-}
 
 class EditorTest : public ::testing::Test, protected AppSandbox {
   protected:
@@ -88,11 +80,11 @@ TEST_F(EditorTest, the_input_field_validates_every_change_and_refuses_none) {
     EXPECT_TRUE(field->title()->isHidden());
 
     const double s = 1.2 * gfx::Font::systemFontSize();
-    EXPECT_TRUE(near(field->txt()->frame(), {7, 1.1 * s, 336, 300 - 2.5 * s}));
+    EXPECT_TRUE(sameRect(field->txt()->frame(), {7, 1.1 * s, 336, 300 - 2.5 * s}));
     EXPECT_EQ(field->txt()->textContainerInset(), (gfx::Insets{0.5 * s, 2.1 * s, 0, 2}));
     ASSERT_TRUE(field->photo());
-    EXPECT_TRUE(near(field->photo()->frame(), {10.5, 1.1 * s, 1.5 * s, 2 * s}));
-    EXPECT_TRUE(near(field->error()->frame(), {7, field->txt()->frame().maxY(), 336, s}));
+    EXPECT_TRUE(sameRect(field->photo()->frame(), {10.5, 1.1 * s, 1.5 * s, 2 * s}));
+    EXPECT_TRUE(sameRect(field->error()->frame(), {7, field->txt()->frame().maxY(), 336, s}));
     EXPECT_FALSE(CTextview::initWithName("Note", "no-such-picture", false)->photo());
 }
 
@@ -135,15 +127,15 @@ TEST_F(EditorTest, panel_layouts) {
     host->root()->addSubview(units);
     host->root()->addSubview(shares);
     host->runUntilIdle();
-    EXPECT_TRUE(near(units->saveBtn()->frame(), {300 - 4 * b, 240 - 2.4 * b, 3 * b, b}));
-    EXPECT_TRUE(near(units->deleteBtn()->frame(), {0, 240 - 1.2 * b, 300, 1.2 * b}));
-    EXPECT_TRUE(near(units->cancelBtn()->frame(), {300 - 7.2 * b, 240 - 2.4 * b, 3 * b, b}));
-    EXPECT_TRUE(near(units->inputTxt()->frame(), {15, b, 270, 240 - 3.1 * b}));
+    EXPECT_TRUE(sameRect(units->saveBtn()->frame(), {300 - 4 * b, 240 - 2.4 * b, 3 * b, b}));
+    EXPECT_TRUE(sameRect(units->deleteBtn()->frame(), {0, 240 - 1.2 * b, 300, 1.2 * b}));
+    EXPECT_TRUE(sameRect(units->cancelBtn()->frame(), {300 - 7.2 * b, 240 - 2.4 * b, 3 * b, b}));
+    EXPECT_TRUE(sameRect(units->inputTxt()->frame(), {15, b, 270, 240 - 3.1 * b}));
     EXPECT_DOUBLE_EQ(units->layer().cornerRadius(), 6);
-    EXPECT_TRUE(near(shares->login()->frame(), {165, 153.6, 120, 36}));
-    EXPECT_TRUE(near(shares->cancelBtn()->frame(), {36, 153.6, 120, 36}));
-    EXPECT_TRUE(near(shares->deleteBtn()->frame(), {0, 196.8, 300, 45.6}));
-    EXPECT_TRUE(near(shares->usr()->frame(), {15, 36, 270, 120}));
+    EXPECT_TRUE(sameRect(shares->login()->frame(), {165, 153.6, 120, 36}));
+    EXPECT_TRUE(sameRect(shares->cancelBtn()->frame(), {36, 153.6, 120, 36}));
+    EXPECT_TRUE(sameRect(shares->deleteBtn()->frame(), {0, 196.8, 300, 45.6}));
+    EXPECT_TRUE(sameRect(shares->usr()->frame(), {15, 36, 270, 120}));
     EXPECT_DOUBLE_EQ(shares->layer().cornerRadius(), 12);
 }
 
@@ -185,7 +177,7 @@ TEST_F(EditorTest, the_bars_slide_their_panel_in_and_out_and_report_the_choice) 
     EXPECT_NEAR(bar->nTextview()->presentation().frame().y, 600, 1e-6)
         << "a second show starts from the bottom";
     host->advance(1.0);
-    EXPECT_TRUE(near(bar->nTextview()->frame(), {40, 90, 320, 240}));
+    EXPECT_TRUE(sameRect(bar->nTextview()->frame(), {40, 90, 320, 240}));
 
     bar->nTextview()->saveAction();
     EXPECT_EQ(told, std::vector<std::string>{"save Mesa 4"});
@@ -207,7 +199,7 @@ TEST_F(EditorTest, the_bars_slide_their_panel_in_and_out_and_report_the_choice) 
 
     other->show(*owner);
     host->advance(1.0);
-    EXPECT_TRUE(near(other->nTextview()->frame(), {60, 90, 280, 240}));
+    EXPECT_TRUE(sameRect(other->nTextview()->frame(), {60, 90, 280, 240}));
     EXPECT_EQ(other->nTextview()->usr()->title()->text(), "Item");
 }
 

@@ -3,6 +3,7 @@
 // reports, the toaster on the manual clock, layouts, the last entry kept in
 // the settings store across a restart, bad input and re-entrancy.
 #include "AppSandbox.h"
+#include "Rects.h"
 #include "Reentrancy.h"
 #include "Snapshot.h"
 
@@ -48,14 +49,6 @@ class FieldTest : public ::testing::Test, protected AppSandbox {
     void focus(detail::LabelledField& field) {
         host->tap(field.txt()->convertRectTo(field.txt()->bounds(), nullptr).center());
         ASSERT_TRUE(field.txt()->isFirstResponder());
-    }
-    static ::testing::AssertionResult near(const gfx::Rect& a, const gfx::Rect& b) {
-        const bool close = std::abs(a.x - b.x) < 1e-9 && std::abs(a.y - b.y) < 1e-9 &&
-                           std::abs(a.width - b.width) < 1e-9 && std::abs(a.height - b.height) < 1e-9;
-        if (close) return ::testing::AssertionSuccess();
-        return ::testing::AssertionFailure()
-               << a.x << "," << a.y << " " << a.width << "x" << a.height << " is not " << b.x << "," << b.y
-               << " " << b.width << "x" << b.height;
     }
     static Value failure(const std::string& message, const gfx::Color& colour) {
         return List::make({Value(message), Value::object(colour)});
@@ -234,28 +227,28 @@ TEST_F(FieldTest, layouts_follow_the_field_height_and_the_error_line) {
     const double f = gfx::Font::systemFontSize(), s = 1.2 * f;
     auto tall = place(ZBTxt::initWithName("Guest name", "person", false), {0, 0, 300, 100});
     ASSERT_TRUE(tall->photo());
-    EXPECT_TRUE(near(tall->title()->frame(), {0, (100 - 3 * s) / 2, 300, s}));
-    EXPECT_TRUE(near(tall->extra()->frame(), {210, (100 - 3 * s) / 2, 90, s}));
-    EXPECT_TRUE(near(tall->txt()->frame(), {0, (100 - s) / 2, 300, 2 * s}));
-    EXPECT_TRUE(near(tall->photo()->frame(), {0.3 * s, (100 - 0.15 * s) / 2, 1.2 * s, 1.2 * s}));
+    EXPECT_TRUE(sameRect(tall->title()->frame(), {0, (100 - 3 * s) / 2, 300, s}));
+    EXPECT_TRUE(sameRect(tall->extra()->frame(), {210, (100 - 3 * s) / 2, 90, s}));
+    EXPECT_TRUE(sameRect(tall->txt()->frame(), {0, (100 - s) / 2, 300, 2 * s}));
+    EXPECT_TRUE(sameRect(tall->photo()->frame(), {0.3 * s, (100 - 0.15 * s) / 2, 1.2 * s, 1.2 * s}));
     EXPECT_EQ(tall->txt()->layer().sublayerTranslation(), (gfx::Point{2.1 * s, 0}));
     EXPECT_DOUBLE_EQ(tall->layer().cornerRadius(), 0.4 * s);
     tall->showErrorInput();
     host->runUntilIdle();
-    EXPECT_TRUE(near(tall->photo()->frame(), {0.5 * s, (100 - 0.6 * s) / 2, s, s}));
+    EXPECT_TRUE(sameRect(tall->photo()->frame(), {0.5 * s, (100 - 0.6 * s) / 2, s, s}));
     EXPECT_EQ(tall->txt()->layer().sublayerTranslation(), (gfx::Point{2.1 * s, -0.3 * s}));
-    EXPECT_TRUE(near(tall->error()->frame(), {0, tall->txt()->frame().maxY() - 0.8 * s, 300, 0.8 * s}));
+    EXPECT_TRUE(sameRect(tall->error()->frame(), {0, tall->txt()->frame().maxY() - 0.8 * s, 300, 0.8 * s}));
 
     auto low = place(ZBTxt::initWithName("Guest name", "person", false), {0, 0, 300, 50});
     const double r = 50.0 / 3;
-    EXPECT_TRUE(near(low->txt()->frame(), {0, (50 - r) / 2, 300, 2 * r}));
+    EXPECT_TRUE(sameRect(low->txt()->frame(), {0, (50 - r) / 2, 300, 2 * r}));
 
     auto plain =
         place(UITxt::initWithName("Notes", std::string_view("no-such-picture"), false), {0, 0, 300, 100});
     EXPECT_FALSE(plain->photo());
-    EXPECT_TRUE(near(plain->title()->frame(), {0, 0, 300, 26}));
-    EXPECT_TRUE(near(plain->txt()->frame(), {0, 29, 300, 71}));
-    EXPECT_TRUE(near(plain->error()->frame(), {0, 75, 300, 25}));
+    EXPECT_TRUE(sameRect(plain->title()->frame(), {0, 0, 300, 26}));
+    EXPECT_TRUE(sameRect(plain->txt()->frame(), {0, 29, 300, 71}));
+    EXPECT_TRUE(sameRect(plain->error()->frame(), {0, 75, 300, 25}));
     EXPECT_EQ(plain->txt()->layer().sublayerTranslation(), (gfx::Point{25.2, 0}));
     EXPECT_DOUBLE_EQ(plain->layer().cornerRadius(), 0.4 * s);
 }

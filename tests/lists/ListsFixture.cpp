@@ -13,14 +13,6 @@ void configure(UITbl& list, const ListConfig& c) {
              c.checkBox, c.select, c.incKey);
 }
 
-::testing::AssertionResult sameRect(const gfx::Rect& a, const gfx::Rect& b) {
-    const double d[] = {a.x - b.x, a.y - b.y, a.width - b.width, a.height - b.height};
-    if (std::all_of(std::begin(d), std::end(d), [](double v) { return std::abs(v) < 1e-9; }))
-        return ::testing::AssertionSuccess();
-    return ::testing::AssertionFailure()
-           << "off by (" << d[0] << ", " << d[1] << ", " << d[2] << ", " << d[3] << ")";
-}
-
 void ListsFixture::SetUp() {
     enterSandbox("lists");
     host = std::make_unique<ui::HeadlessHost>();

@@ -4,6 +4,7 @@
 // helpers to reach rows and cells on screen.
 
 #include "AppSandbox.h"
+#include "Rects.h"
 
 #include <morvane/gfx/Color.h>
 #include <morvane/gfx/Geometry.h>
@@ -25,9 +26,6 @@ namespace morvane::test {
 // Configures through the kit's twelve-callback operation, so every test that
 // configures a list goes through it.
 void configure(UITbl& list, const ListConfig& config);
-
-// Frames go through centre and bounds, so they may differ in the last bit.
-::testing::AssertionResult sameRect(const gfx::Rect& a, const gfx::Rect& b);
 
 class ListsFixture : public testing::Test, protected AppSandbox {
   protected:

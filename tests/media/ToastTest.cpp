@@ -2,6 +2,7 @@
 // sound once the message has arrived, the done callback, the choice bar
 // hiding before it reports, layout, snapshots and re-entrancy.
 #include "MediaFixture.h"
+#include "Rects.h"
 #include "Reentrancy.h"
 #include "Snapshot.h"
 
@@ -43,14 +44,6 @@ class ToastTest : public MediaFixture {
 };
 
 // Frames go through centre and bounds, so they may differ in the last bit.
-::testing::AssertionResult near(const gfx::Rect& a, const gfx::Rect& b) {
-    const bool close = std::abs(a.x - b.x) < 1e-9 && std::abs(a.y - b.y) < 1e-9 &&
-                       std::abs(a.width - b.width) < 1e-9 && std::abs(a.height - b.height) < 1e-9;
-    if (close) return ::testing::AssertionSuccess();
-    return ::testing::AssertionFailure()
-           << a.x << "," << a.y << " " << a.width << "x" << a.height << " is not " << b.x << "," << b.y << " "
-           << b.width << "x" << b.height;
-}
 
 } // namespace
 
@@ -132,11 +125,11 @@ TEST_F(ToastTest, layout_follows_the_bar_height) {
         ToastPhoto bar({0, 0, w, h});
         toast.layoutIfNeeded();
         bar.layoutIfNeeded();
-        EXPECT_TRUE(near(toast.cart()->frame(), gfx::Rect(0.14 * h, 0.13 * h, 0.74 * h, 0.74 * h)));
-        EXPECT_TRUE(near(toast.msg()->frame(), gfx::Rect(1.1 * h, 0, w - h, h)));
-        EXPECT_TRUE(near(bar.icon()->frame(), gfx::Rect(0.14 * h, 0.13 * h, 0.74 * h, 0.74 * h)));
-        EXPECT_TRUE(near(bar.photo()->frame(), gfx::Rect(0.25 * w, 0.3 * h, 0.25 * w, 0.4 * h)));
-        EXPECT_TRUE(near(bar.camera()->frame(), gfx::Rect(0.6 * w, 0.3 * h, 0.25 * w, 0.4 * h)));
+        EXPECT_TRUE(sameRect(toast.cart()->frame(), gfx::Rect(0.14 * h, 0.13 * h, 0.74 * h, 0.74 * h)));
+        EXPECT_TRUE(sameRect(toast.msg()->frame(), gfx::Rect(1.1 * h, 0, w - h, h)));
+        EXPECT_TRUE(sameRect(bar.icon()->frame(), gfx::Rect(0.14 * h, 0.13 * h, 0.74 * h, 0.74 * h)));
+        EXPECT_TRUE(sameRect(bar.photo()->frame(), gfx::Rect(0.25 * w, 0.3 * h, 0.25 * w, 0.4 * h)));
+        EXPECT_TRUE(sameRect(bar.camera()->frame(), gfx::Rect(0.6 * w, 0.3 * h, 0.25 * w, 0.4 * h)));
         EXPECT_DOUBLE_EQ(bar.camera()->layer().cornerRadius(), 0.1 * h);
     }
 }
