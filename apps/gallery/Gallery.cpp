@@ -5,6 +5,7 @@
 #include "CameraScreen.h"
 #include "FormsScreen.h"
 #include "MenusScreen.h"
+#include "PurseScreen.h"
 #include "SampleFile.h"
 #include "ToastsScreen.h"
 
@@ -43,7 +44,8 @@ bool Gallery::start(std::string* error) {
     if (!data_->load(error)) return false;
     return readSampleFile(options_.resources / "menus.json", server_.address(""), &menusText_, error) &&
            readSampleFile(options_.resources / "bookings.json", server_.address(""), &bookingsText_, error) &&
-           readSampleFile(options_.resources / "boarding.json", server_.address(""), &boardingText_, error);
+           readSampleFile(options_.resources / "boarding.json", server_.address(""), &boardingText_, error) &&
+           readSampleFile(options_.resources / "purse.json", server_.address(""), &purseText_, error);
 }
 
 std::vector<Navigator::Entry> Gallery::screens() {
@@ -94,6 +96,13 @@ std::vector<Navigator::Entry> Gallery::screens() {
          "and a note retyped in a data input bar.",
          [](const gfx::Rect& frame, Screen::Back back) -> std::shared_ptr<Screen> {
              return FormsScreen::make(frame, std::move(back));
+         }},
+        {"purse", "Purse",
+         "A hotel folio and a spa card as the purse's wallets, an entry on the QR profile panel with its "
+         "code, lines and total, the panel's reader pointed at another entry's code, and the payment strip.",
+         [this](const gfx::Rect& frame, Screen::Back back) -> std::shared_ptr<Screen> {
+             return PurseScreen::make(frame, parseSample(purseText_), options_.scratch / "camera",
+                                      std::move(back));
          }},
     };
 }

@@ -69,6 +69,7 @@ class Gallery {
     std::string menusText_;    // menus.json, server filled in
     std::string bookingsText_; // bookings.json
     std::string boardingText_; // boarding.json
+    std::string purseText_;    // purse.json
 };
 
 } // namespace gallery

@@ -148,6 +148,14 @@ bool Tour::go(TourContext& context, const std::string& screen) {
             return fail("back to the home screen", "the back control did not lead home");
     }
     if (screen == Navigator::kHomeId) return true;
+    // A screen further down the home list is scrolled into view first, as a finger would.
+    const UITbl& home = *app_->homeList();
+    for (std::size_t i = 0; home.myData() && i < home.myData()->size(); ++i) {
+        const NodePtr& row = home.myData()->at(i).node();
+        if (!row || row->get("key").toText() != screen) continue;
+        home.tbl()->scrollToRow(ui::IndexPath::forRow(int(i)), ui::TableView::ScrollPosition::Middle, false);
+        host_->runUntilIdle();
+    }
     for (std::size_t n = 0;; ++n) {
         gfx::Rect row;
         std::string key;

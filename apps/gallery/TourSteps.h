@@ -17,6 +17,7 @@ std::vector<TourStep> toastsSteps();
 std::vector<TourStep> boardingSteps();
 std::vector<TourStep> cameraSteps();
 std::vector<TourStep> formsSteps();
+std::vector<TourStep> purseSteps();
 
 // Every step, in the order the tour plays them.
 std::vector<TourStep> tourSteps();
