@@ -5,6 +5,7 @@
 #include "CameraScreen.h"
 #include "FormsScreen.h"
 #include "MenusScreen.h"
+#include "PricesScreen.h"
 #include "PurseScreen.h"
 #include "SampleFile.h"
 #include "ToastsScreen.h"
@@ -45,7 +46,8 @@ bool Gallery::start(std::string* error) {
     return readSampleFile(options_.resources / "menus.json", server_.address(""), &menusText_, error) &&
            readSampleFile(options_.resources / "bookings.json", server_.address(""), &bookingsText_, error) &&
            readSampleFile(options_.resources / "boarding.json", server_.address(""), &boardingText_, error) &&
-           readSampleFile(options_.resources / "purse.json", server_.address(""), &purseText_, error);
+           readSampleFile(options_.resources / "purse.json", server_.address(""), &purseText_, error) &&
+           readTextFile(options_.resources / "prices.txt", &pricesText_, error);
 }
 
 std::vector<Navigator::Entry> Gallery::screens() {
@@ -103,6 +105,12 @@ std::vector<Navigator::Entry> Gallery::screens() {
          [this](const gfx::Rect& frame, Screen::Back back) -> std::shared_ptr<Screen> {
              return PurseScreen::make(frame, parseSample(purseText_), options_.scratch / "camera",
                                       std::move(back));
+         }},
+        {"prices", "Menu prices",
+         "A kitchen's choice records as dishes and prices; the item price selector over them refuses a "
+         "name already used and saves a new price back into its record.",
+         [this](const gfx::Rect& frame, Screen::Back back) -> std::shared_ptr<Screen> {
+             return PricesScreen::make(frame, pricesText_, std::move(back));
          }},
     };
 }

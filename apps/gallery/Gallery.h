@@ -70,6 +70,7 @@ class Gallery {
     std::string bookingsText_; // bookings.json
     std::string boardingText_; // boarding.json
     std::string purseText_;    // purse.json
+    std::string pricesText_;   // prices.txt
 };
 
 } // namespace gallery

@@ -8,17 +8,25 @@
 
 namespace gallery {
 
+bool readTextFile(const std::filesystem::path& file, std::string* text, std::string* error) {
+    std::ifstream in(file, std::ios::binary);
+    if (!in) {
+        if (error) *error = file.string() + ": cannot be read";
+        return false;
+    }
+    std::ostringstream read;
+    read << in.rdbuf();
+    *text = read.str();
+    return true;
+}
+
 morvane::NodePtr readSampleFile(const std::filesystem::path& file, const std::string& serverBase,
                                 std::string* text, std::string* error) {
     auto fail = [&](const std::string& why) -> morvane::NodePtr {
         if (error) *error = file.string() + ": " + why;
         return nullptr;
     };
-    std::ifstream in(file, std::ios::binary);
-    if (!in) return fail("cannot be read");
-    std::ostringstream read;
-    read << in.rdbuf();
-    *text = read.str();
+    if (!readTextFile(file, text, error)) return nullptr;
     const std::string_view marker = "{server}";
     for (std::size_t at = text->find(marker); at != std::string::npos;
          at = text->find(marker, at + serverBase.size()))

@@ -1,5 +1,5 @@
 #pragma once
-// The gallery's sample data files (venues.json, menus.json, bookings.json).
+// The gallery's sample data files (venues.json, menus.json, bookings.json, ...).
 // Picture addresses in them name the server as "{server}", so the same file
 // works whatever port the picture server was given.
 
@@ -15,6 +15,10 @@ namespace gallery {
 // file name first, the JSON reader's line and column included).
 morvane::NodePtr readSampleFile(const std::filesystem::path& file, const std::string& serverBase,
                                 std::string* text, std::string* error);
+
+// Reads a file that is not one JSON document (the kitchen's records, one a
+// line) into `text`; false with the reason in `error`.
+bool readTextFile(const std::filesystem::path& file, std::string* text, std::string* error);
 
 // A fresh tree of an already checked text: new Nodes on every call, so that
 // a screen may change them freely.

@@ -18,6 +18,7 @@ std::vector<TourStep> boardingSteps();
 std::vector<TourStep> cameraSteps();
 std::vector<TourStep> formsSteps();
 std::vector<TourStep> purseSteps();
+std::vector<TourStep> pricesSteps();
 
 // Every step, in the order the tour plays them.
 std::vector<TourStep> tourSteps();

@@ -160,6 +160,8 @@ TEST_F(NItemPriceTest, typed_names_are_checked_against_the_names_in_use_and_pric
         return field.error()->backgroundColor() == gfx::Color::clearColor();
     };
     EXPECT_TRUE(flagged(*editor->itemTxt(), "Already used", gfx::Color::yellowColor()));
+    EXPECT_EQ(editor->itemTxt()->toaster()->frame().width, editor->itemTxt()->bounds().width)
+        << "a field without an icon has a place for its message too";
     host->typeText("!");
     EXPECT_TRUE(accepted(*editor->itemTxt()));
     // Another case is another name.

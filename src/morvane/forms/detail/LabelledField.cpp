@@ -190,6 +190,10 @@ void LabelledField::layoutSubviews() {
         txt_->layer().setSublayerTranslation({0.252 * h, 0});
         error_->setFrame({0, 0.75 * h, w, 0.25 * h});
         error_->layer().setSublayerTranslation({0.252 * h, 0});
+        // A field without an icon still says why it refused a key or what
+        // its validation found: its toaster rises over the error line's place.
+        toaster_->setFrame({0, h, w, 0.25 * h});
+        toaster_->layer().setSublayerTranslation({0.252 * h, 0});
         layer().setCornerRadius(0.4 * s);
     }
 }
