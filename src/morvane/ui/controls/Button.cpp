@@ -61,9 +61,17 @@ void Button::stateChanged() {
     refresh();
 }
 
+void Button::setAttributedTitle(std::optional<gfx::AttributedText> title) {
+    attributedTitle_ = std::move(title);
+    refresh();
+}
+
 void Button::refresh() {
     ControlState current = state();
-    titleLabel_->setText(currentTitle());
+    if (attributedTitle_)
+        titleLabel_->setAttributedText(attributedTitle_);
+    else
+        titleLabel_->setText(currentTitle());
     titleLabel_->setTextColor(titleColorForState(current));
     imageView_->setImage(currentImage());
     // The pressed look: dimmed unless the highlighted state has its own colour or image.
@@ -76,7 +84,8 @@ void Button::refresh() {
 }
 
 gfx::Size Button::sizeThatFits(gfx::Size) const {
-    gfx::Size text = gfx::TextMetrics::size(currentTitle(), titleLabel_->font());
+    gfx::Size text = attributedTitle_ ? gfx::TextMetrics::size(*attributedTitle_)
+                                      : gfx::TextMetrics::size(currentTitle(), titleLabel_->font());
     gfx::Size picture = currentImage() ? currentImage().size() : gfx::Size{};
     return {text.width + picture.width, std::max(text.height, picture.height)};
 }
@@ -95,7 +104,15 @@ void Button::layoutSubviews() {
         pictureSize = pictureSize * (b.width / pictureSize.width);
 
     gfx::Size titleSize;
-    if (!title.empty()) {
+    if (attributedTitle_ && !attributedTitle_->isEmpty()) {
+        // A styled title measures with its own fonts.
+        double room = std::max(0.0, b.width - pictureSize.width);
+        titleSize = titleLabel_->numberOfLines() == 1
+                        ? gfx::TextMetrics::size(*attributedTitle_)
+                        : gfx::TextMetrics::boundingSize(*attributedTitle_, room);
+        titleSize.width = std::min(titleSize.width, room);
+        titleSize.height = std::min(titleSize.height, b.height);
+    } else if (!title.empty()) {
         double room = std::max(0.0, b.width - pictureSize.width);
         titleSize = titleLabel_->numberOfLines() == 1
                         ? gfx::TextMetrics::size(title, titleLabel_->font())

@@ -9,6 +9,7 @@
 //   ok->setTitle("Book now");
 //   ok->addAction(ui::ControlEvent::TouchUpInside, [](ui::Control&) { book(); });
 
+#include <morvane/gfx/AttributedText.h>
 #include <morvane/gfx/Image.h>
 #include <morvane/ui/controls/Control.h>
 
@@ -29,6 +30,10 @@ class Button : public Control {
     std::optional<std::string> titleForState(ControlState state) const;
     void setTitleColor(std::optional<gfx::Color> color, ControlState state = ControlState::Normal);
     gfx::Color titleColorForState(ControlState state) const;
+    // A styled title (runs of their own fonts and colours) shown in every
+    // state in place of the plain titles; nothing returns to them.
+    void setAttributedTitle(std::optional<gfx::AttributedText> title);
+    const std::optional<gfx::AttributedText>& attributedTitle() const { return attributedTitle_; }
     void setImage(gfx::Image image, ControlState state = ControlState::Normal);
     gfx::Image imageForState(ControlState state) const;
 
@@ -53,6 +58,7 @@ class Button : public Control {
     std::array<std::optional<std::string>, 4> titles_;
     std::array<std::optional<gfx::Color>, 4> titleColors_;
     std::array<gfx::Image, 4> images_;
+    std::optional<gfx::AttributedText> attributedTitle_;
     std::shared_ptr<Label> titleLabel_;
     std::shared_ptr<ImageView> imageView_;
 };
