@@ -3,6 +3,7 @@
 #include "BoardingScreen.h"
 #include "BookingsScreen.h"
 #include "CameraScreen.h"
+#include "FlightsScreen.h"
 #include "FormsScreen.h"
 #include "MenusScreen.h"
 #include "PricesScreen.h"
@@ -47,7 +48,8 @@ bool Gallery::start(std::string* error) {
            readSampleFile(options_.resources / "bookings.json", server_.address(""), &bookingsText_, error) &&
            readSampleFile(options_.resources / "boarding.json", server_.address(""), &boardingText_, error) &&
            readSampleFile(options_.resources / "purse.json", server_.address(""), &purseText_, error) &&
-           readTextFile(options_.resources / "prices.txt", &pricesText_, error);
+           readTextFile(options_.resources / "prices.txt", &pricesText_, error) &&
+           readSampleFile(options_.resources / "flights.json", server_.address(""), &flightsText_, error);
 }
 
 std::vector<Navigator::Entry> Gallery::screens() {
@@ -111,6 +113,12 @@ std::vector<Navigator::Entry> Gallery::screens() {
          "name already used and saves a new price back into its record.",
          [this](const gfx::Rect& frame, Screen::Back back) -> std::shared_ptr<Screen> {
              return PricesScreen::make(frame, pricesText_, std::move(back));
+         }},
+        {"flights", "Flights",
+         "An airport's departures and arrivals from a flight service on another thread, and the flight "
+         "search: a number typed, the busy indicator, the flight pushed into the display field by field.",
+         [this](const gfx::Rect& frame, Screen::Back back) -> std::shared_ptr<Screen> {
+             return FlightsScreen::make(frame, parseSample(flightsText_), std::move(back));
          }},
     };
 }

@@ -71,6 +71,7 @@ class Gallery {
     std::string boardingText_; // boarding.json
     std::string purseText_;    // purse.json
     std::string pricesText_;   // prices.txt
+    std::string flightsText_;  // flights.json
 };
 
 } // namespace gallery

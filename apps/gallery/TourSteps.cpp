@@ -24,7 +24,7 @@ std::vector<TourStep> homeSteps() {
 std::vector<TourStep> tourSteps() {
     std::vector<TourStep> steps;
     for (auto part : {homeSteps, venueSteps, menusSteps, bookingsSteps, toastsSteps, boardingSteps,
-                      cameraSteps, formsSteps, purseSteps, pricesSteps})
+                      cameraSteps, formsSteps, purseSteps, pricesSteps, flightsSteps})
         for (TourStep& step : part())
             steps.push_back(std::move(step));
     return steps;

@@ -19,6 +19,7 @@ std::vector<TourStep> cameraSteps();
 std::vector<TourStep> formsSteps();
 std::vector<TourStep> purseSteps();
 std::vector<TourStep> pricesSteps();
+std::vector<TourStep> flightsSteps();
 
 // Every step, in the order the tour plays them.
 std::vector<TourStep> tourSteps();
