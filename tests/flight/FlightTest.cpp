@@ -153,6 +153,26 @@ TEST_F(FlightTest, the_card_lays_out_seven_rows_and_makes_room_for_a_baggage_bel
     EXPECT_EQ(value(*card->gate()).string(), "");
     EXPECT_FALSE(card->baggage()->isHidden()) << "emptied, not hidden";
 
+    // Updates that pile up before the main thread runs are merged row by
+    // row: the last value wins, a caption given earlier stays, and emptying
+    // after a belt was given leaves the belt's row shown.
+    card->addBaggage(std::nullopt, Value());
+    host->runUntilIdle();
+    card->addGate("Departure gate", "A1");
+    card->addGate(std::nullopt, "A2");
+    card->addTerminal("Hall", "North");
+    card->addTerminal(std::nullopt, Value());
+    card->addBaggage("Belt", "9");
+    card->resetFld();
+    host->runUntilIdle();
+    EXPECT_EQ(card->gate()->title()->currentTitle(), "Departure gate");
+    EXPECT_EQ(value(*card->gate()).string(), "");
+    EXPECT_EQ(card->terminal()->title()->currentTitle(), "Hall");
+    EXPECT_FALSE(card->baggage()->isHidden());
+    card->addGate(std::nullopt, "A2");
+    host->runUntilIdle();
+    EXPECT_EQ(value(*card->gate()).string(), "A2");
+
     // A wider card: the same fractions.
     card->setFrame({0, 0, 300, 500});
     host->runUntilIdle();

@@ -8,15 +8,20 @@
 //   card->addSchedule("Scheduled", "10:40", "PST");
 //   card->addBaggage(std::nullopt, std::nullopt);   // no belt yet: row hidden
 //
-// Every fill operation may be called from any thread: it queues its work on
-// the main queue, in the order called. The card is held weakly by that work,
-// so a card released meanwhile simply gets nothing.
+// Every fill operation may be called from any thread: its work is applied on
+// the main queue, in the order called. Updates that pile up before the main
+// thread gets to them are merged row by row (the last value of a row wins,
+// a caption given earlier is kept), so a flood of updates costs one pass per
+// frame, not one per update. The card is held weakly by that work, so a card
+// released meanwhile simply gets nothing.
 
 #include <morvane/flight/UIFltTiny.h>
 
 #include <memory>
+#include <mutex>
 #include <optional>
 #include <string>
+#include <vector>
 
 namespace morvane {
 
@@ -48,10 +53,22 @@ class UIFltSchedule : public ui::View {
     void layoutSubviews() override;
 
   private:
-    // Runs the work on the main queue while the card lives.
-    void onMain(std::function<void(UIFltSchedule&)> work);
+    enum class Kind { Plain, Break, Timed, Baggage };
+    // One row's update waiting for the main thread.
+    struct Update {
+        Kind kind;
+        Caption caption;
+        Value value;
+        Value remark;
+    };
+    struct Pending;
+    // Records the row's update, merged with one already waiting, and makes
+    // sure a pass on the main queue will apply it.
+    void queue(UIFltTiny& row, Update update);
+    static void apply(UIFltSchedule& card, UIFltTiny& row, const Update& update);
 
     std::shared_ptr<UIFltTiny> airport_, flightDate_, schedule_, actual_, terminal_, gate_, baggage_;
+    std::shared_ptr<Pending> pending_;
 };
 
 } // namespace morvane
