@@ -118,6 +118,13 @@ TEST_F(FlightTest, row_values_are_styled_by_their_kind) {
     EXPECT_EQ(UIFltTiny::evenText("SEATAC"), "SEATAC");
     EXPECT_EQ(UIFltTiny::evenText("ab cdefghij"), "ab\ncdefghij")
         << "no blank before the middle: the first after";
+    // Texts no flight service should send are still shown, never a crash.
+    for (const std::string& odd : {std::string(10000, 'x'), std::string("Gate \xff\xfe 12"), std::string()}) {
+        row->addData("Odd", odd);
+        row->addDataBreak("Odd", odd);
+        row->addData("Odd", "10:40", odd);
+        EXPECT_FALSE(ui::Renderer::imageOf(*row, 1).isNull());
+    }
     EXPECT_TRUE(UIFltTiny::isDate("24 November 2026"));
     EXPECT_FALSE(UIFltTiny::isDate("2026-11-24"));
 }

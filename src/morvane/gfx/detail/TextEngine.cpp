@@ -123,15 +123,36 @@ void TextEngine::makeKey(const LayoutRequest& r) {
     appendRaw(key_, r.alignment);
 }
 
+namespace {
+
+// Pango refuses text that is not UTF-8 (with a warning, and nothing drawn):
+// bad bytes are shown as U+FFFD instead, as every other text path does.
+std::string validText(std::string_view text) {
+    if (g_utf8_validate(text.data(), static_cast<gssize>(text.size()), nullptr)) return std::string(text);
+    gchar* mended = g_utf8_make_valid(text.data(), static_cast<gssize>(text.size()));
+    std::string out = mended;
+    g_free(mended);
+    return out;
+}
+
+} // namespace
+
 PangoLayout* TextEngine::build(const LayoutRequest& r) {
     PangoLayout* layout = pango_layout_new(context_);
     if (r.attributed) {
-        std::string text = r.attributed->string();
+        // Each run mended on its own, so the attribute offsets follow it.
+        std::vector<std::string> texts;
+        std::string text;
+        for (const AttributedText::Run& run : r.attributed->runs()) {
+            texts.push_back(validText(run.text));
+            text += texts.back();
+        }
         pango_layout_set_text(layout, text.c_str(), static_cast<int>(text.size()));
         PangoAttrList* attributes = pango_attr_list_new();
         guint start = 0;
+        std::size_t index = 0;
         for (const AttributedText::Run& run : r.attributed->runs()) {
-            guint end = start + static_cast<guint>(run.text.size());
+            guint end = start + static_cast<guint>(texts[index++].size());
             PangoAttribute* fontAttribute = pango_attr_font_desc_new(description(run.font));
             fontAttribute->start_index = start, fontAttribute->end_index = end;
             pango_attr_list_insert(attributes, fontAttribute);
@@ -150,7 +171,8 @@ PangoLayout* TextEngine::build(const LayoutRequest& r) {
         if (!r.attributed->runs().empty())
             pango_layout_set_font_description(layout, description(r.attributed->runs().front().font));
     } else {
-        pango_layout_set_text(layout, r.text.data(), static_cast<int>(r.text.size()));
+        const std::string text = validText(r.text);
+        pango_layout_set_text(layout, text.data(), static_cast<int>(text.size()));
         if (r.font) pango_layout_set_font_description(layout, description(*r.font));
     }
     if (r.width >= 0) pango_layout_set_width(layout, toPango(r.width));
