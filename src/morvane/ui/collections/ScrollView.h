@@ -119,6 +119,11 @@ class ScrollView : public View {
     // Sets the offset without stopping a glide (bounds origin and hooks).
     void applyOffset(gfx::Point offset);
 
+  protected:
+    // The scroll indicator is one of the view's children: subclasses that
+    // walk their children can tell it apart.
+    const View* scrollIndicator() const { return indicator_.get(); }
+
   private:
     friend class RefreshControl;
     friend class detail::ScrollPan;
