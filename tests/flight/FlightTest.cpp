@@ -332,3 +332,51 @@ TEST(UIFltSearchReentrancy, any_operation_from_any_callback_is_safe) {
         EXPECT_GT(harness.callbacks(), 20) << seed;
     }
 }
+
+// The display and the search box on their own: their one callback each runs
+// another operation, releasing them included.
+TEST(UIFltDisplayReentrancy, any_operation_from_the_close_callback_is_safe) {
+    for (unsigned seed : {83u, 84u}) {
+        ReentrancyHarness<UIFltDisplay> harness(seed);
+        harness.make([](ReentrancyHarness<UIFltDisplay>& h) {
+            auto display = std::make_shared<UIFltDisplay>(gfx::Rect{8, 200, 374, 420});
+            display->watchClose([&h](bool) { h.callback("close"); });
+            return display;
+        });
+        harness.operation("header", [](UIFltDisplay& d, Random& r) {
+            d.addFlightHeader("AS 1144", chance(r, 0.5) ? Value("Alaska") : Value(), "On time");
+        });
+        harness.operation("fields", [](UIFltDisplay& d, Random& r) {
+            d.addGate(chance(r, 0.5) ? "A" : "D", "Gate", "C12");
+            d.baggageLeft("Baggage", chance(r, 0.5) ? Value("2") : Value());
+        });
+        harness.operation("reset", [](UIFltDisplay& d, Random&) { d.resetFld(); });
+        harness.operation("close", [](UIFltDisplay& d, Random&) { d.closeAction(); });
+        harness.input("tap", [](ui::HeadlessHost& host, UIFltDisplay& d, Random& r) {
+            host.tap(randomPointIn(r, d.convertRectTo(d.bounds(), nullptr)));
+        });
+        harness.run(ReentrancyHarness<UIFltDisplay>::steps(300, 3000));
+        EXPECT_GT(harness.callbacks(), 20) << seed;
+    }
+}
+
+TEST(UISearchFltReentrancy, any_operation_from_the_search_callback_is_safe) {
+    for (unsigned seed : {85u, 86u}) {
+        ReentrancyHarness<UISearchFlt> harness(seed);
+        harness.make([](ReentrancyHarness<UISearchFlt>& h) {
+            auto box = std::make_shared<UISearchFlt>(gfx::Rect{39, 200, 312, 180});
+            box->watchSearch([&h](const std::string&, const NodePtr&) { h.callback("search"); });
+            return box;
+        });
+        harness.operation("search", [](UISearchFlt& b, Random&) { b.menuAction(); });
+        harness.operation("unwatch", [](UISearchFlt& b, Random& r) {
+            if (chance(r, 0.1)) b.watchSearch({});
+        });
+        harness.input("tap", [](ui::HeadlessHost& host, UISearchFlt& b, Random& r) {
+            host.tap(randomPointIn(r, b.convertRectTo(b.bounds(), nullptr)));
+        });
+        harness.input("type", [](ui::HeadlessHost& host, UISearchFlt&, Random&) { host.typeText("as1144"); });
+        harness.run(ReentrancyHarness<UISearchFlt>::steps(600, 4000));
+        EXPECT_GT(harness.callbacks(), 20) << seed;
+    }
+}
