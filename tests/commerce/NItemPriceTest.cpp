@@ -1,7 +1,7 @@
 // The item price selector on the headless host: filled, typed into and
 // pressed as a person would; what each button reports, in which order, and
 // what its fields flag.
-#include "AppSandbox.h"
+#include "HostFixture.h"
 #include "Rects.h"
 #include "Reentrancy.h"
 #include "Snapshot.h"
@@ -24,12 +24,10 @@ using namespace morvane::test;
 
 namespace {
 
-class NItemPriceTest : public ::testing::Test, protected AppSandbox {
+class NItemPriceTest : public HostFixture {
   protected:
     void SetUp() override {
-        enterSandbox("commerce");
-        sys::App::setDataFolder(root / "Data");
-        host = std::make_unique<ui::HeadlessHost>();
+        HostFixture::SetUp();
         editor = NItemPrice::initWithData("Edit dish", "Dish", "Price");
         editor->setFrame({20, 200, 350, 300});
         editor->setTag(7);
@@ -41,9 +39,7 @@ class NItemPriceTest : public ::testing::Test, protected AppSandbox {
     }
     void TearDown() override {
         editor.reset();
-        host.reset();
-        sys::App::setDataFolder({});
-        leaveSandbox();
+        HostFixture::TearDown();
     }
     // Each report, with whether the editor was already hidden when it came.
     NItemPrice::ItemCB record(std::string name) {
@@ -54,9 +50,9 @@ class NItemPriceTest : public ::testing::Test, protected AppSandbox {
             };
     }
     std::string hidden() const { return editor && editor->isHidden() ? " hidden" : " shown"; }
-    void press(const ui::View& button) { host->tap(button.convertRectTo(button.bounds(), nullptr).center()); }
+    void press(const ui::View& button) { tapOn(button); }
     void typeInto(detail::LabelledField& field, std::string_view text) {
-        host->tap(field.txt()->convertRectTo(field.txt()->bounds(), nullptr).center());
+        tapOn(*field.txt());
         host->typeText(text);
     }
     void reshow() {
@@ -64,7 +60,6 @@ class NItemPriceTest : public ::testing::Test, protected AppSandbox {
         host->runUntilIdle();
     }
 
-    std::unique_ptr<ui::HeadlessHost> host;
     std::shared_ptr<NItemPrice> editor;
     std::vector<std::string> calls;
 };

@@ -1,7 +1,7 @@
 // The QR profile panel on the headless host: the lines and the total a
 // record gives, what its code holds, the picture in place of the code, the
 // toggle to the reader and back, the scan report, and its layout.
-#include "AppSandbox.h"
+#include "HostFixture.h"
 #include "Rects.h"
 #include "Reentrancy.h"
 #include "Snapshot.h"
@@ -43,11 +43,10 @@ constexpr const char* kSpaCard = R"({
   "extras": {"tip": {"$price": "2"}, "voucher": {"$price": -10}}
 })";
 
-class QRProfileTest : public ::testing::Test, protected AppSandbox {
+class QRProfileTest : public HostFixture {
   protected:
     void SetUp() override {
-        enterSandbox("commerce");
-        host = std::make_unique<ui::HeadlessHost>();
+        HostFixture::SetUp();
         panel = QRProfile::initWithColor(gfx::Color::brownColor());
         panel->setFrame({0, 0, 390, 844});
         host->root()->addSubview(panel);
@@ -55,9 +54,7 @@ class QRProfileTest : public ::testing::Test, protected AppSandbox {
     }
     void TearDown() override {
         panel.reset();
-        host.reset();
-        sys::Queue::waitIdle();
-        leaveSandbox();
+        HostFixture::TearDown();
     }
     std::vector<std::string> lines() const {
         std::vector<std::string> out;
@@ -65,9 +62,8 @@ class QRProfileTest : public ::testing::Test, protected AppSandbox {
             out.push_back(*line->get("key").text() + " = " + *line->get("val").text());
         return out;
     }
-    void press(const ui::View& button) { host->tap(button.convertRectTo(button.bounds(), nullptr).center()); }
+    void press(const ui::View& button) { tapOn(button); }
 
-    std::unique_ptr<ui::HeadlessHost> host;
     std::shared_ptr<QRProfile> panel;
 };
 

@@ -1,7 +1,7 @@
 // The purse and the payment strip on the headless host: wallets in the
 // header, a wallet's entries in the grid, an entry opened on the QR panel
 // and followed while it is open, and the two payment buttons.
-#include "AppSandbox.h"
+#include "HostFixture.h"
 #include "Rects.h"
 #include "Reentrancy.h"
 #include "Snapshot.h"
@@ -39,11 +39,10 @@ constexpr const char* kWallets = R"({
   }
 })";
 
-class UIPurseTest : public ::testing::Test, protected AppSandbox {
+class UIPurseTest : public HostFixture {
   protected:
     void SetUp() override {
-        enterSandbox("commerce");
-        host = std::make_unique<ui::HeadlessHost>();
+        HostFixture::SetUp();
         purse = UIPurse::initWithTitle("Hotel Farol", "person");
         purse->setFrame({0, 0, 390, 844});
         purse->setBackgroundColor(Colors::hex("#1D2A44"));
@@ -58,9 +57,7 @@ class UIPurseTest : public ::testing::Test, protected AppSandbox {
     }
     void TearDown() override {
         purse.reset();
-        host.reset();
-        sys::Queue::waitIdle();
-        leaveSandbox();
+        HostFixture::TearDown();
     }
     std::vector<std::string> gridKeys() const {
         std::vector<std::string> keys;
@@ -78,7 +75,6 @@ class UIPurseTest : public ::testing::Test, protected AppSandbox {
         return codes.size() == 1 ? json::parseNode(codes[0]) : nullptr;
     }
 
-    std::unique_ptr<ui::HeadlessHost> host;
     std::shared_ptr<UIPurse> purse;
     NodePtr wallets;
 };
@@ -104,7 +100,7 @@ TEST_F(UIPurseTest, a_wallet_fills_the_grid_and_a_chosen_entry_opens_on_the_pane
 
     // Back closes the panel; another entry without a status keeps the stamp
     // state, and one without a name keeps the name.
-    host->tap(panel.backBtn()->convertRectTo(panel.backBtn()->bounds(), nullptr).center());
+    tapOn(*panel.backBtn());
     host->runUntilIdle();
     EXPECT_TRUE(panel.isHidden());
     purse->updateProfile(Node::make({{"key", "x"}, {"ustatus", "USED"}}));

@@ -1,7 +1,7 @@
 // The flight screens on the headless host: the rows' value styles, the
 // card's and the display's layouts and side rules, the search box with
 // typing, and the search screen's busy indicator, display and veil.
-#include "AppSandbox.h"
+#include "HostFixture.h"
 #include "Rects.h"
 #include "Reentrancy.h"
 #include "Snapshot.h"
@@ -28,24 +28,8 @@ using namespace morvane::test;
 
 namespace {
 
-class FlightTest : public ::testing::Test, protected AppSandbox {
+class FlightTest : public HostFixture {
   protected:
-    void SetUp() override {
-        enterSandbox("flight");
-        sys::App::setDataFolder(root / "Data");
-        host = std::make_unique<ui::HeadlessHost>();
-    }
-    void TearDown() override {
-        host.reset();
-        sys::App::setDataFolder({});
-        leaveSandbox();
-    }
-    template <class V> std::shared_ptr<V> place(std::shared_ptr<V> view, const gfx::Rect& frame) {
-        view->setFrame(frame);
-        host->root()->addSubview(view);
-        host->runUntilIdle();
-        return view;
-    }
     static const gfx::AttributedText& value(const UIFltTiny& row) {
         static const gfx::AttributedText none;
         const auto& text = row.login()->attributedTitle();
@@ -68,8 +52,6 @@ class FlightTest : public ::testing::Test, protected AppSandbox {
         display.addGate("A", "Gate", "4");
         display.addBaggage("A", "Baggage", "2");
     }
-
-    std::unique_ptr<ui::HeadlessHost> host;
 };
 
 } // namespace
@@ -214,9 +196,7 @@ TEST_F(FlightTest, the_display_fills_the_card_a_side_names_and_closes_on_its_bar
     display->setBackgroundColor(Colors::hex("#1D3557"));
     EXPECT_EQ(display->arriveUI()->backgroundColor(), Colors::darkerBy(Colors::hex("#1D3557"), 0.05));
 
-    const auto press = [&] {
-        host->tap(display->closeBtn()->convertRectTo(display->closeBtn()->bounds(), nullptr).center());
-    };
+    const auto press = [&] { tapOn(*display->closeBtn()); };
     press(); // no callback: nothing
     int closes = 0;
     display->watchClose([&](bool flag) { closes += flag ? 1 : 100; });
@@ -232,12 +212,10 @@ TEST_F(FlightTest, the_display_fills_the_card_a_side_names_and_closes_on_its_bar
 
 TEST_F(FlightTest, the_search_box_formats_the_number_and_hands_it_over) {
     auto box = place(std::make_shared<UISearchFlt>(), {39, 200, 312, 8 * UIFltSearch::getTextHeight()});
-    host->tap(box->txtZB()->txt()->convertRectTo(box->txtZB()->txt()->bounds(), nullptr).center());
+    tapOn(*box->txtZB()->txt());
     host->typeText("as1144");
     EXPECT_EQ(box->txtZB()->text(), "AS 1144");
-    const auto press = [&] {
-        host->tap(box->takePhotoBtn()->convertRectTo(box->takePhotoBtn()->bounds(), nullptr).center());
-    };
+    const auto press = [&] { tapOn(*box->takePhotoBtn()); };
     press();
     EXPECT_TRUE(box->txtZB()->txt()->isFirstResponder()) << "no callback: the field keeps the keyboard";
     std::vector<std::string> searches;

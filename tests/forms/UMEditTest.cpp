@@ -2,7 +2,7 @@
 // edit mode (and never outside it), the focus border and the "↑" button, the
 // data input bar's results reaching the hooks, the picture child's camera,
 // and what its hooks may do.
-#include "AppSandbox.h"
+#include "HostFixture.h"
 #include "Rects.h"
 #include "Reentrancy.h"
 
@@ -39,12 +39,10 @@ class Recording : public UMEdit {
     }
 };
 
-class UMEditTest : public ::testing::Test, protected AppSandbox {
+class UMEditTest : public HostFixture {
   protected:
     void SetUp() override {
-        enterSandbox("umedit");
-        sys::App::setDataFolder(root / "Data");
-        host = std::make_unique<ui::HeadlessHost>();
+        HostFixture::SetUp();
         canvas = std::make_shared<Recording>(gfx::Rect{0, 0, 390, 700});
         name = std::make_shared<ui::Label>(gfx::Rect{20, 40, 300, 40});
         name->setText("Inês Araújo");
@@ -61,16 +59,13 @@ class UMEditTest : public ::testing::Test, protected AppSandbox {
     }
     void TearDown() override {
         canvas.reset();
-        host.reset();
-        sys::App::setDataFolder({});
-        leaveSandbox();
+        HostFixture::TearDown();
     }
     void touch(gfx::Point point) {
         host->tap(canvas->convertPointTo(point, nullptr));
         host->runUntilIdle();
     }
 
-    std::unique_ptr<ui::HeadlessHost> host;
     std::shared_ptr<Recording> canvas;
     std::shared_ptr<ui::Label> name;
     std::shared_ptr<ui::TextView> note;
@@ -131,7 +126,7 @@ TEST_F(UMEditTest, overlapping_children_go_to_the_lower_then_the_further_right_a
 TEST_F(UMEditTest, the_bar_saves_into_the_child_and_reports_and_delete_reports_an_empty_text) {
     canvas->editEnable(true);
     touch({100, 60});
-    host->tap(canvas->editBtn()->convertRectTo(canvas->editBtn()->bounds(), nullptr).center());
+    tapOn(*canvas->editBtn());
     host->runUntilIdle();
     const auto& bar = *canvas->dataInputZB();
     ASSERT_FALSE(bar.isHidden());
