@@ -68,7 +68,10 @@ gfx::Size ActivityIndicator::sizeThatFits(gfx::Size) const {
 }
 
 void ActivityIndicator::draw(gfx::Canvas& canvas, const gfx::Rect& rect) {
-    double side = std::min(rect.width, rect.height);
+    // The spinner keeps its style's size, centred, however large its view:
+    // a screen-filling indicator (a busy overlay) shows a spinner, not spokes
+    // across the screen.
+    double side = std::min({rect.width, rect.height, sizeThatFits({}).width});
     if (side <= 0) return;
     gfx::Point c = rect.center();
     double outer = side / 2;
