@@ -41,7 +41,8 @@ UIPurse::UIPurse(std::string_view title, std::optional<std::string_view> image) 
     watchTbl();
 }
 
-std::shared_ptr<UIPurse> UIPurse::initWithTitle(std::string_view title, std::optional<std::string_view> image) {
+std::shared_ptr<UIPurse> UIPurse::initWithTitle(std::string_view title,
+                                                std::optional<std::string_view> image) {
     return std::make_shared<UIPurse>(title, image);
 }
 
@@ -99,9 +100,11 @@ void UIPurse::cfg(const ListConfig& config) {
 
 void UIPurse::cfg(const UICTbl::KeysCB& cfg, const UICTbl::KeysCB& header, const UICTbl::KeysCB& body,
                   const UICTbl::KeysCB& price, const UICTbl::FlagCB& sort, const UICTbl::KeysCB& sortBy,
-                  const UICTbl::FlagCB& ascending, const UICTbl::SizeCB& cellHeight, const UICTbl::SizeCB& numOfCol,
-                  const UICTbl::FlagCB& checkBox, const UICTbl::SelectionCB& select, const UICTbl::FlagCB& inckey) {
-    tbl_->cfg(cfg, header, body, price, sort, sortBy, ascending, cellHeight, numOfCol, checkBox, select, inckey);
+                  const UICTbl::FlagCB& ascending, const UICTbl::SizeCB& cellHeight,
+                  const UICTbl::SizeCB& numOfCol, const UICTbl::FlagCB& checkBox,
+                  const UICTbl::SelectionCB& select, const UICTbl::FlagCB& inckey) {
+    tbl_->cfg(cfg, header, body, price, sort, sortBy, ascending, cellHeight, numOfCol, checkBox, select,
+              inckey);
 }
 
 void UIPurse::watchQRScan(QRProfile::ScanCB callback) {

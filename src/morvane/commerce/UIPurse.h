@@ -37,7 +37,8 @@ class UIPurse : public ui::View {
 
     // A title and a header picture; a zero frame until the application sets one.
     UIPurse(std::string_view title, std::optional<std::string_view> image);
-    static std::shared_ptr<UIPurse> initWithTitle(std::string_view title, std::optional<std::string_view> image);
+    static std::shared_ptr<UIPurse> initWithTitle(std::string_view title,
+                                                  std::optional<std::string_view> image);
 
     const std::shared_ptr<QRProfile>& qrProfile() const { return qrProfile_; }
     const std::shared_ptr<UIHeader>& headerUI() const { return headerUI_; }
@@ -50,8 +51,9 @@ class UIPurse : public ui::View {
     void cfg(const ListConfig& config);
     void cfg(const UICTbl::KeysCB& cfg, const UICTbl::KeysCB& header, const UICTbl::KeysCB& body,
              const UICTbl::KeysCB& price, const UICTbl::FlagCB& sort, const UICTbl::KeysCB& sortBy,
-             const UICTbl::FlagCB& ascending, const UICTbl::SizeCB& cellHeight, const UICTbl::SizeCB& numOfCol,
-             const UICTbl::FlagCB& checkBox, const UICTbl::SelectionCB& select, const UICTbl::FlagCB& inckey);
+             const UICTbl::FlagCB& ascending, const UICTbl::SizeCB& cellHeight,
+             const UICTbl::SizeCB& numOfCol, const UICTbl::FlagCB& checkBox,
+             const UICTbl::SelectionCB& select, const UICTbl::FlagCB& inckey);
     // Kept for the application; the purse never calls it.
     void watchRefresh(RefreshCB callback) { refreshCB_ = std::move(callback); }
     void watchQRScan(QRProfile::ScanCB callback);
