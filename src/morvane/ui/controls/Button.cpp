@@ -104,19 +104,17 @@ void Button::layoutSubviews() {
         pictureSize = pictureSize * (b.width / pictureSize.width);
 
     gfx::Size titleSize;
-    if (attributedTitle_ && !attributedTitle_->isEmpty()) {
+    const bool styled = attributedTitle_ && !attributedTitle_->isEmpty();
+    if (styled || !title.empty()) {
+        double room = std::max(0.0, b.width - pictureSize.width);
+        const bool oneLine = titleLabel_->numberOfLines() == 1;
         // A styled title measures with its own fonts.
-        double room = std::max(0.0, b.width - pictureSize.width);
-        titleSize = titleLabel_->numberOfLines() == 1
-                        ? gfx::TextMetrics::size(*attributedTitle_)
-                        : gfx::TextMetrics::boundingSize(*attributedTitle_, room);
-        titleSize.width = std::min(titleSize.width, room);
-        titleSize.height = std::min(titleSize.height, b.height);
-    } else if (!title.empty()) {
-        double room = std::max(0.0, b.width - pictureSize.width);
-        titleSize = titleLabel_->numberOfLines() == 1
-                        ? gfx::TextMetrics::size(title, titleLabel_->font())
-                        : gfx::TextMetrics::boundingSize(title, titleLabel_->font(), room);
+        if (styled)
+            titleSize = oneLine ? gfx::TextMetrics::size(*attributedTitle_)
+                                : gfx::TextMetrics::boundingSize(*attributedTitle_, room);
+        else
+            titleSize = oneLine ? gfx::TextMetrics::size(title, titleLabel_->font())
+                                : gfx::TextMetrics::boundingSize(title, titleLabel_->font(), room);
         titleSize.width = std::min(titleSize.width, room);
         titleSize.height = std::min(titleSize.height, b.height);
     }
