@@ -81,12 +81,7 @@ QRProfile::~QRProfile() {
 
 void QRProfile::watchQRRead() {
     qrReadUI_->watchRead([scan = scan_](const std::string&, const Value& record) {
-        ScanCB callback;
-        {
-            std::lock_guard lock(scan->mutex);
-            callback = scan->callback;
-        }
-        if (callback) callback("Scan", record);
+        if (const ScanCB callback = scan->get()) callback("Scan", record);
     });
 }
 
@@ -199,11 +194,7 @@ void QRProfile::updateAction() {
 
 void QRProfile::testAction() {
     MORVANE_ASSERT_MAIN_THREAD();
-    ScanCB callback;
-    {
-        std::lock_guard lock(scan_->mutex);
-        callback = scan_->callback;
-    }
+    const ScanCB callback = scan_->get();
     if (!callback) return;
     DispatchGuard guard(*this);
     callback("Scan", Value(myData_));

@@ -99,6 +99,10 @@ class QRProfile : public ui::View {
     struct Scan {
         std::mutex mutex;
         ScanCB callback;
+        ScanCB get() {
+            std::lock_guard lock(mutex);
+            return callback;
+        }
     };
     void watchQRRead();
 
