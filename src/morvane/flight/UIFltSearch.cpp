@@ -18,6 +18,10 @@ struct Parts {
     std::weak_ptr<ui::ActivityIndicator> indicator;
 };
 
+Parts partsOf(const UIFltSearch& screen) {
+    return {screen.fltDisplayUI(), screen.viewUI(), screen.indicator()};
+}
+
 void hide(const Parts& parts) {
     if (auto display = parts.display.lock()) display->setHidden(true);
     if (auto veil = parts.veil.lock()) veil->setHidden(true);
@@ -56,7 +60,7 @@ UIFltSearch::UIFltSearch(const gfx::Rect& frame) : ui::View(frame) {
     indicator_->setColor(gfx::Color::whiteColor());
     indicator_->setHidden(true);
     addSubview(indicator_);
-    const Parts parts{fltDisplayUI_, viewUI_, indicator_};
+    const Parts parts = partsOf(*this);
     viewUI_->addGestureRecognizer(
         ui::TapGestureRecognizer::create([parts](ui::GestureRecognizer&) { hide(parts); }));
     watchClose();
@@ -67,7 +71,7 @@ std::shared_ptr<UIFltSearch> UIFltSearch::make(const gfx::Rect& frame) {
 }
 
 void UIFltSearch::watchClose() {
-    const Parts parts{fltDisplayUI_, viewUI_, indicator_};
+    const Parts parts = partsOf(*this);
     fltDisplayUI_->watchClose([parts](bool) { hide(parts); });
 }
 
@@ -90,12 +94,12 @@ void UIFltSearch::resetFld() {
 }
 
 void UIFltSearch::showProgress(bool busy) {
-    const Parts parts{fltDisplayUI_, viewUI_, indicator_};
+    const Parts parts = partsOf(*this);
     sys::Queue::main().async([parts, busy] { progress(parts, busy); });
 }
 
 void UIFltSearch::hideResult() {
-    hide({fltDisplayUI_, viewUI_, indicator_});
+    hide(partsOf(*this));
 }
 
 void UIFltSearch::tapAction() {
@@ -108,7 +112,7 @@ void UIFltSearch::addFlightHeader(Value title, Value airline, Value status) {
 }
 
 void UIFltSearch::addAirport(std::string_view side, Caption caption, Value value) {
-    const Parts parts{fltDisplayUI_, viewUI_, indicator_};
+    const Parts parts = partsOf(*this);
     sys::Queue::main().async([parts] {
         progress(parts, false);
         if (auto display = parts.display.lock()) display->setHidden(false);
