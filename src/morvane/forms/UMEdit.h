@@ -49,7 +49,7 @@ class UMEdit : public ui::ScrollView {
     const std::shared_ptr<NCamera>& camera() const { return camera_; }
     bool canEdit() const { return canEdit_; }
 
-    void editEnable(bool enable);
+    virtual void editEnable(bool enable);
     bool isEditable() const { return canEdit_; }
     void startEditor();
     void stopEditor();
