@@ -48,7 +48,6 @@ class UMEdit : public detail::EditCanvas<ui::ScrollView> {
     bool isPictureChild(const ui::View& view) const override;
 
   private:
-    void watchDscr();
     std::shared_ptr<ZBDataInput> dataInputZB_;
 };
 

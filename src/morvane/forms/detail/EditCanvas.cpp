@@ -202,6 +202,65 @@ template <class Base> void EditCanvas<Base>::watchCamera() {
         });
 }
 
+// ---- Layers edited through a data input bar ------------------------------------------------
+
+template <class Base> void EditCanvas<Base>::adoptBar(const std::shared_ptr<DataInputBar>& bar) {
+    bar->setHidden(true);
+    bar->setTag(0);
+    this->addSubview(bar);
+    // The camera, then the edit button, stay in front of the bar.
+    this->bringSubviewToFront(camera_.get());
+    this->bringSubviewToFront(editBtn_.get());
+    watchBar(*bar);
+}
+
+template <class Base> void EditCanvas<Base>::editWithBar(DataInputBar& bar) {
+    MORVANE_ASSERT_MAIN_THREAD();
+    ui::View* current = currentView();
+    if (!current || current == this) return;
+    if (isTextChild(*current)) {
+        current->layer().setBorderWidth(0);
+        editBtn_->setHidden(true);
+        bar.addData(getVal(*current).value_or(""));
+        bar.show(*this);
+    } else if (isPictureChild(*current)) {
+        openCamera(*current);
+    }
+}
+
+template <class Base> void EditCanvas<Base>::watchBar(DataInputBar& bar) {
+    bar.watchAction(
+        1,
+        [this](const std::string& text) {
+            DispatchGuard guard(*this);
+            if (auto child = currentChild_) {
+                setVal(*child, text);
+                txtChanged(text, *child);
+            } else if (currentIsLayer_) {
+                txtChanged(text, *this);
+            }
+        },
+        [this](bool) {
+            DispatchGuard guard(*this);
+            if (auto child = currentChild_)
+                txtChanged("", *child);
+            else if (currentIsLayer_)
+                txtChanged("", *this);
+        },
+        [](bool) {});
+}
+
+template <class Base> void EditCanvas<Base>::layoutBar(DataInputBar& bar) {
+    const double w = this->frame().width, h = this->frame().height;
+    bar.setFrame({0, 0, w, h});
+    if (bar.tag() == 0) {
+        // The camera is placed once; later layouts leave it where it is.
+        bar.setTag(1);
+        camera_->setFrame({0.1 * w, 0.2 * h, 0.8 * w, 0.6 * h});
+        camera_->layer().setCornerRadius(0.01 * h);
+    }
+}
+
 template <class Base> void EditCanvas<Base>::txtChanged(const std::string&, ui::View&) {}
 template <class Base> void EditCanvas<Base>::imageChanged(const gfx::Image&, ui::View&) {}
 

@@ -12,6 +12,7 @@
 // Threads: main thread only. The hooks may call any operation of the layer,
 // releasing it included.
 
+#include <morvane/forms/detail/DataInputBar.h>
 #include <morvane/gfx/Image.h>
 #include <morvane/media/NCamera.h>
 #include <morvane/ui/controls/Button.h>
@@ -87,6 +88,13 @@ template <class Base> class EditCanvas : public Base {
     // The edit button on a picture child: the application's camera, when it
     // gave one, else the built-in camera in front.
     void openCamera(ui::View& picture);
+    // For layers whose editor is a data input bar: the edit button (the bar
+    // for a text child, the camera for a picture), the bar's save and delete
+    // reaching the hooks, and the bar over the whole layer with the camera
+    // placed once.
+    void adoptBar(const std::shared_ptr<DataInputBar>& bar);
+    void editWithBar(DataInputBar& bar);
+    void layoutBar(DataInputBar& bar);
     // The current child, held for the length of an edit; null for the layer.
     std::shared_ptr<ui::View> currentChild() const { return currentChild_; }
     bool currentIsLayer() const { return currentIsLayer_; }
@@ -94,6 +102,7 @@ template <class Base> class EditCanvas : public Base {
 
   private:
     void watchCamera();
+    void watchBar(DataInputBar& bar);
 
     std::shared_ptr<ui::Button> editBtn_;
     // The chosen child, held; or the layer itself, which holding would tie
