@@ -3,8 +3,10 @@
 #include "BoardingScreen.h"
 #include "BookingsScreen.h"
 #include "CameraScreen.h"
+#include "EditLayersScreen.h"
 #include "FlightsScreen.h"
 #include "FormsScreen.h"
+#include "GuestScreen.h"
 #include "MenusScreen.h"
 #include "PricesScreen.h"
 #include "PurseScreen.h"
@@ -49,7 +51,8 @@ bool Gallery::start(std::string* error) {
            readSampleFile(options_.resources / "boarding.json", server_.address(""), &boardingText_, error) &&
            readSampleFile(options_.resources / "purse.json", server_.address(""), &purseText_, error) &&
            readTextFile(options_.resources / "prices.txt", &pricesText_, error) &&
-           readSampleFile(options_.resources / "flights.json", server_.address(""), &flightsText_, error);
+           readSampleFile(options_.resources / "flights.json", server_.address(""), &flightsText_, error) &&
+           readSampleFile(options_.resources / "guest.json", server_.address(""), &guestText_, error);
 }
 
 std::vector<Navigator::Entry> Gallery::screens() {
@@ -120,6 +123,20 @@ std::vector<Navigator::Entry> Gallery::screens() {
          [this](const gfx::Rect& frame, Screen::Back back) -> std::shared_ptr<Screen> {
              return FlightsScreen::make(frame, parseSample(flightsText_), std::move(back));
          }},
+        {"guest", "Guest profile",
+         "A guest's card with photo, name and values, a note translated from English; in edit mode a value "
+         "retyped and another deleted in the data input bar, and the photo replaced with the camera, each "
+         "change shown as the application received it.",
+         [this](const gfx::Rect& frame, Screen::Back back) -> std::shared_ptr<Screen> {
+             return GuestScreen::make(frame, parseSample(guestText_), picture("guest", true), translator_,
+                                      options_.scratch / "camera", std::move(back));
+         }},
+        {"layers", "Edit layers",
+         "A notice board on the scrolling edit layer: a notice edited in place through the help panel, "
+         "following every keystroke, and reported once when done.",
+         [](const gfx::Rect& frame, Screen::Back back) -> std::shared_ptr<Screen> {
+             return EditLayersScreen::make(frame, std::move(back));
+         }},
     };
 }
 
@@ -128,10 +145,16 @@ std::shared_ptr<Navigator> Gallery::makeApp(const gfx::Rect& frame) {
 }
 
 gfx::Image Gallery::cameraScene() const {
-    for (const SamplePicture& picture : pictures_)
-        if (picture.path.find("bistro") != std::string::npos)
-            return gfx::Image::fromData(
-                std::span(reinterpret_cast<const std::uint8_t*>(picture.day.data()), picture.day.size()));
+    return picture("bistro");
+}
+
+gfx::Image Gallery::picture(std::string_view name, bool evening) const {
+    for (const SamplePicture& picture : pictures_) {
+        if (picture.path.find("/" + std::string(name) + ".") == std::string::npos) continue;
+        const std::string& bytes = evening ? picture.evening : picture.day;
+        return gfx::Image::fromData(
+            std::span(reinterpret_cast<const std::uint8_t*>(bytes.data()), bytes.size()));
+    }
     return {};
 }
 

@@ -60,6 +60,8 @@ class Gallery {
     morvane::ListPtr rows(int edition);
     // What the gallery's cameras look at: the bistro's picture.
     morvane::gfx::Image cameraScene() const;
+    // The sample picture of that name (its evening look when asked); null when there is none.
+    morvane::gfx::Image picture(std::string_view name, bool evening = false) const;
 
     Options options_;
     PictureServer server_;
@@ -72,6 +74,7 @@ class Gallery {
     std::string purseText_;    // purse.json
     std::string pricesText_;   // prices.txt
     std::string flightsText_;  // flights.json
+    std::string guestText_;    // guest.json
 };
 
 } // namespace gallery

@@ -23,8 +23,9 @@ std::vector<TourStep> homeSteps() {
 
 std::vector<TourStep> tourSteps() {
     std::vector<TourStep> steps;
-    for (auto part : {homeSteps, venueSteps, menusSteps, bookingsSteps, toastsSteps, boardingSteps,
-                      cameraSteps, formsSteps, purseSteps, pricesSteps, flightsSteps})
+    for (auto part :
+         {homeSteps, venueSteps, menusSteps, bookingsSteps, toastsSteps, boardingSteps, cameraSteps,
+          formsSteps, purseSteps, pricesSteps, flightsSteps, guestSteps, editLayersSteps})
         for (TourStep& step : part())
             steps.push_back(std::move(step));
     return steps;

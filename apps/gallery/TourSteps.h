@@ -20,6 +20,8 @@ std::vector<TourStep> formsSteps();
 std::vector<TourStep> purseSteps();
 std::vector<TourStep> pricesSteps();
 std::vector<TourStep> flightsSteps();
+std::vector<TourStep> guestSteps();
+std::vector<TourStep> editLayersSteps();
 
 // Every step, in the order the tour plays them.
 std::vector<TourStep> tourSteps();

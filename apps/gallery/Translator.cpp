@@ -16,6 +16,8 @@ struct Entry {
 
 constexpr Entry kPhrases[] = {
     {"Sea view", "Vue sur la mer"},
+    {"Quiet room, late arrival", "Chambre calme, arrivée tardive"},
+    {"Front desk", "Réception"},
     {"Open daily", "Ouvert tous les jours"},
     {"Open late", "Ouvert tard"},
     {"Closed on Sunday", "Fermé le dimanche"},
