@@ -12,6 +12,7 @@
 #include <morvane/gfx/ImageContext.h>
 #include <morvane/sys/Camera.h>
 #include <morvane/sys/Clock.h>
+#include <morvane/sys/Log.h>
 #include <morvane/sys/Queue.h>
 #include <morvane/ui/core/Renderer.h>
 #include <morvane/ui/core/Window.h>
@@ -336,6 +337,57 @@ TEST_F(UIProfileTest, card_snapshots_in_view_and_in_edit_mode) {
     touch(card->myLbl()[1]->frame().center());
     morvane::testing::expectImageMatches(ui::Renderer::imageOf(*card, 1),
                                          "tests/forms/snapshots/profile-edit.png");
+}
+
+TEST_F(UIProfileTest, odd_fills_absent_callbacks_no_camera_and_a_release_mid_edit_stay_quiet) {
+    // A huge value wraps to at most ten lines but its label is measured whole.
+    const std::string huge(10'000, 'x');
+    card->addName("");
+    card->addVal(Value(true), "flag");
+    card->addVal(Value(huge), "note");
+    host->runUntilIdle();
+    EXPECT_EQ(card->myLbl()[1]->text().size(), huge.size());
+    EXPECT_EQ(card->myLbl()[0]->text(), "1");
+    EXPECT_GT(card->contentSize().height, 844);
+    EXPECT_EQ(card->nameLbl()->text(), "");
+
+    // No callbacks at all: edits, photos and the back button do nothing else.
+    card->editEnable(true);
+    host->runUntilIdle();
+    ZBDataInput& bar = openBar(*card->myLbl()[0]);
+    bar.nTextview()->saveAction();
+    card->takePhotoAction();
+    card->justTakenImage(filled(gfx::Color::redColor()));
+    card->refreshTranslate();
+
+    // No camera to open: the preview stays dark and "x" brings the focus back.
+    host->advance(1);
+    sys::Camera::setDefaultSource(sys::Camera::Source::device("/dev/morvane-no-such-video"));
+    sys::Log::Capture log;
+    touch({195, 100});
+    tapOn(*card->editBtn());
+    host->runUntilIdle();
+    ASSERT_FALSE(card->camera()->isHidden());
+    card->camera()->btnAction();
+    host->runUntilIdle();
+    EXPECT_EQ(card->camera()->previewFramesShown(), 0u);
+    EXPECT_FALSE(log.texts().empty()) << "the dark camera says why";
+    card->camera()->quitAction();
+    host->runUntilIdle();
+    EXPECT_TRUE(card->camera()->isHidden());
+    sys::Camera::setDefaultSource(std::nullopt);
+
+    // Released while its bar is open: the bar's answer reaches nothing.
+    record();
+    ZBDataInput& open = openBar(*card->myLbl()[0]);
+    auto keepBar = card->dataInputZB();
+    std::weak_ptr<UIProfile> weak = card;
+    card->removeFromSuperview();
+    card.reset();
+    EXPECT_TRUE(weak.expired());
+    open.nTextview()->saveAction();
+    host->advance(2);
+    EXPECT_TRUE(told.empty());
 }
 
 // Random fills, edits, translations and touches; every callback runs another
