@@ -13,8 +13,9 @@
 
 namespace {
 
-constexpr std::array<const char*, 11> kLayers = {"model",      "gfx",   "sys",   "util",     "ui",    "media",
-                                                 "components", "lists", "forms", "commerce", "flight"};
+constexpr std::array<const char*, 12> kLayers = {"model", "gfx",   "sys",        "util",
+                                                 "ui",    "media", "components", "lists",
+                                                 "forms", "menus", "commerce",   "flight"};
 
 int rankOf(const std::string& layer) {
     auto found = std::find(kLayers.begin(), kLayers.end(), layer);
