@@ -3,8 +3,10 @@
 // strip, check marks keeping it closed, edits routed to field callbacks, the
 // edit and back buttons, the date helpers and the five-second notification.
 #include "HostFixture.h"
+#include "NotificationService.h"
 #include "Rects.h"
 #include "Reentrancy.h"
+#include "Snapshot.h"
 
 #include <morvane/gfx/Font.h>
 #include <morvane/menus/Morvane.h>
@@ -13,6 +15,7 @@
 #include <morvane/sys/Log.h>
 #include <morvane/sys/Notifications.h>
 #include <morvane/sys/Queue.h>
+#include <morvane/ui/core/Renderer.h>
 #include <morvane/ui/hosts/HeadlessHost.h>
 
 #include <gtest/gtest.h>
@@ -207,6 +210,45 @@ TEST_F(MorvaneTest, edits_names_contacts_and_the_buttons_reach_the_host) {
     EXPECT_FALSE(menu->tblHdrUI()->selectedItemGet("Dinner")) << "back clears the header's data sets";
 }
 
+TEST_F(MorvaneTest, the_screen_with_its_card_open) {
+    menu->setFrame({0, 0, 390, 700});
+    menu->setBackgroundColor(gfx::Color(0.08, 0.13, 0.24));
+    load();
+    tapItem("Caldo verde");
+    host->advance(2); // the white line has grown
+    morvane::testing::expectImageMatches(ui::Renderer::imageOf(*menu, 1),
+                                         "tests/menus/snapshots/menu-card.png");
+}
+
+TEST_F(MorvaneTest, ten_thousand_odd_items_stay_quiet) {
+    load();
+    NodePtr many = Node::make();
+    for (int i = 0; i < 10'000; ++i) {
+        const std::string id = "i" + std::to_string(i);
+        if (i % 1000 == 7) {
+            many->set(id, Value("not an item"));
+            continue;
+        }
+        NodePtr item = Node::make();
+        if (i % 3 == 0) item->set("key", Value(i)); // a number for a key
+        if (i % 3 == 1) item->set("key", Value(List::make()));
+        item->set("name", Value("Item " + std::to_string(i)));
+        if (i % 2) item->set("phone", Value(i));
+        many->set(id, Value(item));
+    }
+    menu->addDataWhenSelect("Many", Value(many));
+    menu->refresh();
+    host->runUntilIdle();
+    menu->itemSelected(many->get("i3").node());
+    EXPECT_EQ(menu->profileUI()->keyCode(), "3");
+    EXPECT_FALSE(menu->profileUI()->isHidden());
+    ASSERT_EQ(menu->touchZB()->myData().size(), 1u);
+    menu->itemSelected(many->get("i4").node());
+    EXPECT_EQ(menu->profileUI()->keyCode(), "") << "a list for a key is no key text";
+    menu->itemSelected(nullptr);
+    (void)host->snapshot(1);
+}
+
 TEST_F(MorvaneTest, date_helpers) {
     Dates::setTimeZone("UTC");
     Dates::setLocale("en_US");
@@ -239,6 +281,33 @@ TEST_F(MorvaneTest, a_second_notification_replaces_the_first_and_a_failed_delive
     for (const std::string& line : log.texts())
         if (line.rfind("Something went wrong: ", 0) == 0) wrong.push_back(line);
     EXPECT_EQ(wrong.size(), 1u) << "one delivery, one line";
+    sys::Notifications::setBusAddress("");
+    sys::Notifications::setStrings({});
+}
+
+TEST_F(MorvaneTest, the_notification_reaches_the_desktops_service_five_seconds_later) {
+    test::PrivateBus bus;
+    ASSERT_FALSE(bus.address().empty()) << bus.why();
+    test::NotificationService service(bus.address());
+    ASSERT_TRUE(service.ok());
+    sys::Notifications::setBusAddress(bus.address());
+    sys::Notifications::setStrings(
+        {{"ready", "Your table is ready"}, {"ready-body", "Table 4, by the window"}});
+    sys::Log::Capture log;
+    Morvane::addNotification("ready", "ready-body");
+    Morvane::addNotification("ready", "missing-body"); // replaces the first; its body key is not in the table
+    host->advance(4.9);
+    sys::Queue::waitIdle();
+    EXPECT_TRUE(service.received().empty());
+    host->advance(0.2);
+    ASSERT_TRUE(service.waitFor(1));
+    const auto got = service.received().at(0);
+    EXPECT_EQ(got.summary, "Your table is ready");
+    EXPECT_EQ(got.body, "missing-body") << "a missing text shows its key";
+    EXPECT_EQ(got.hints.at("sound-name"), "message-new-instant");
+    sys::Queue::waitIdle();
+    for (const std::string& line : log.texts())
+        EXPECT_EQ(line.find("Something went wrong"), std::string::npos) << line;
     sys::Notifications::setBusAddress("");
     sys::Notifications::setStrings({});
 }
