@@ -1,9 +1,11 @@
 #include "Gallery.h"
 
+#include "AdminScreen.h"
 #include "BoardingScreen.h"
 #include "BookingsScreen.h"
 #include "CameraScreen.h"
 #include "EditLayersScreen.h"
+#include "FarolScreen.h"
 #include "FlightsScreen.h"
 #include "FormsScreen.h"
 #include "GuestScreen.h"
@@ -52,7 +54,9 @@ bool Gallery::start(std::string* error) {
            readSampleFile(options_.resources / "purse.json", server_.address(""), &purseText_, error) &&
            readTextFile(options_.resources / "prices.txt", &pricesText_, error) &&
            readSampleFile(options_.resources / "flights.json", server_.address(""), &flightsText_, error) &&
-           readSampleFile(options_.resources / "guest.json", server_.address(""), &guestText_, error);
+           readSampleFile(options_.resources / "guest.json", server_.address(""), &guestText_, error) &&
+           readSampleFile(options_.resources / "farol.json", server_.address(""), &farolText_, error) &&
+           readSampleFile(options_.resources / "admin.json", server_.address(""), &adminText_, error);
 }
 
 std::vector<Navigator::Entry> Gallery::screens() {
@@ -130,6 +134,19 @@ std::vector<Navigator::Entry> Gallery::screens() {
          [this](const gfx::Rect& frame, Screen::Back back) -> std::shared_ptr<Screen> {
              return GuestScreen::make(frame, parseSample(guestText_), picture("guest", true), translator_,
                                       options_.scratch / "camera", std::move(back));
+         }},
+        {"farol", "Hotel Farol",
+         "The kit's menu screen: the hotel's rooms, restaurant, spa and excursions in the header, a grid of "
+         "tiles, an item on the profile card with its contact strip, a booking's notification five seconds "
+         "later, a field edited in edit mode, and check marks that keep the card closed.",
+         [this](const gfx::Rect& frame, Screen::Back back) -> std::shared_ptr<Screen> {
+             return FarolScreen::make(frame, parseSample(farolText_), translator_, std::move(back));
+         }},
+        {"admin", "Administration",
+         "The front office's guests and staff in the administration panel: a record on the profile card with "
+         "its stored dates made readable, and a field edited and reported by its own callback.",
+         [this](const gfx::Rect& frame, Screen::Back back) -> std::shared_ptr<Screen> {
+             return AdminScreen::make(frame, parseSample(adminText_), std::move(back));
          }},
         {"layers", "Edit layers",
          "A notice board on the scrolling edit layer: a notice edited in place through the help panel, "

@@ -75,6 +75,8 @@ class Gallery {
     std::string pricesText_;   // prices.txt
     std::string flightsText_;  // flights.json
     std::string guestText_;    // guest.json
+    std::string farolText_;    // farol.json
+    std::string adminText_;    // admin.json
 };
 
 } // namespace gallery

@@ -23,9 +23,9 @@ std::vector<TourStep> homeSteps() {
 
 std::vector<TourStep> tourSteps() {
     std::vector<TourStep> steps;
-    for (auto part :
-         {homeSteps, venueSteps, menusSteps, bookingsSteps, toastsSteps, boardingSteps, cameraSteps,
-          formsSteps, purseSteps, pricesSteps, flightsSteps, guestSteps, editLayersSteps})
+    for (auto part : {homeSteps, venueSteps, menusSteps, bookingsSteps, toastsSteps, boardingSteps,
+                      cameraSteps, formsSteps, purseSteps, pricesSteps, flightsSteps, guestSteps,
+                      editLayersSteps, farolSteps, adminSteps})
         for (TourStep& step : part())
             steps.push_back(std::move(step));
     return steps;

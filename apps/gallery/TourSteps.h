@@ -22,6 +22,8 @@ std::vector<TourStep> pricesSteps();
 std::vector<TourStep> flightsSteps();
 std::vector<TourStep> guestSteps();
 std::vector<TourStep> editLayersSteps();
+std::vector<TourStep> farolSteps();
+std::vector<TourStep> adminSteps();
 
 // Every step, in the order the tour plays them.
 std::vector<TourStep> tourSteps();
