@@ -154,6 +154,49 @@ TEST(Render, drawing_rules_hold_pixel_by_pixel) {
     EXPECT_TRUE(color(65, 65).isClose(gfx::Color::redColor(), 0.01));
 }
 
+// Views wholly under an opaque sibling that fills what can be seen are not
+// drawn; anything that lets them show through (a fade, a rounded or moving
+// cover, one that leaves a strip open) draws them as before.
+TEST(Render, views_under_an_opaque_cover_are_skipped_unless_they_could_show) {
+    HeadlessHost host({100, 100});
+    auto page = box({0, 0, 100, 100}, gfx::Color::redColor());
+    for (int i = 0; i < 5; ++i)
+        page->addSubview(box({10.0 * i, 10, 8, 8}, gfx::Color::greenColor()));
+    auto cover = box({0, 0, 100, 100}, gfx::Color::blueColor());
+    cover->addSubview(box({40, 40, 20, 20}, gfx::Color::whiteColor()));
+    host.root()->addSubview(page);
+    host.root()->addSubview(cover);
+    host.runUntilIdle();
+
+    auto drawn = [&] {
+        const gfx::Size size = host.root()->bounds().size();
+        std::vector<std::uint8_t> pixels(std::size_t(size.width * size.height * 4));
+        auto canvas =
+            gfx::Canvas::overPixels(pixels.data(), int(size.width), int(size.height), int(size.width) * 4, 1);
+        Renderer renderer;
+        renderer.render(*host.root(), *canvas);
+        return renderer.viewsDrawn();
+    };
+    EXPECT_EQ(drawn(), 3) << "the window, the cover and its child";
+    EXPECT_TRUE(host.snapshot(1).pixelColor(15, 15)->isClose(gfx::Color::blueColor(), 0.01));
+
+    cover->setAlpha(0.99);
+    EXPECT_EQ(drawn(), 9);
+    cover->setAlpha(1);
+    cover->layer().setCornerRadius(4);
+    EXPECT_EQ(drawn(), 9);
+    cover->layer().setCornerRadius(0);
+    cover->setFrame({0, 1, 100, 99});
+    EXPECT_EQ(drawn(), 9);
+    EXPECT_TRUE(host.snapshot(1).pixelColor(50, 0)->isClose(gfx::Color::redColor(), 0.01));
+    View::animate(1, [&] { cover->setFrame({0, 0, 100, 100}); });
+    EXPECT_EQ(drawn(), 9) << "while it moves";
+    cover->removeAllAnimations();
+    cover->setBackgroundColor(gfx::Color(0, 0, 1, 0.5));
+    EXPECT_EQ(drawn(), 9);
+    EXPECT_TRUE(host.snapshot(1).pixelColor(5, 50)->isClose(gfx::Color(0.5, 0, 0.5, 1), 0.02));
+}
+
 TEST(Render, image_of_a_view_is_its_bounds_at_the_scale) {
     auto view = box({50, 50, 30, 20}, gfx::Color::greenColor());
     gfx::Image image = Renderer::imageOf(*view, 2);

@@ -32,6 +32,30 @@ bool isDrawable(const PresentationState& s) {
     return t.inverted().has_value();
 }
 
+// True when the child paints every point of `area` (its parent's space)
+// opaquely: an opaque square-cornered background over a frame that holds the
+// area, drawn as it stands (no transform, fade, mask or running animation).
+bool covers(const View& child, const gfx::Rect& area) {
+    if (child.isHidden() || child.alpha() < 1 || child.backgroundColor().alpha < 1) return false;
+    const gfx::Rect frame = child.frame();
+    if (frame.x > area.x || frame.y > area.y || frame.maxX() < area.maxX() || frame.maxY() < area.maxY())
+        return false;
+    const Layer& layer = child.layer();
+    return layer.cornerRadius() <= 0 && !layer.mask() && child.transform().isIdentity() &&
+           !child.hasAnimations();
+}
+
+// The first child worth drawing: children before the last one that covers
+// everything the canvas can still show would be painted over completely (a
+// card laid over a whole screen, a page over the one before it).
+std::size_t firstUncovered(const std::vector<std::shared_ptr<View>>& children, const gfx::Canvas& canvas) {
+    if (children.size() < 2) return 0;
+    const gfx::Rect visible = canvas.clipBounds();
+    for (std::size_t i = children.size(); i-- > 1;)
+        if (covers(*children[i], visible)) return i;
+    return 0;
+}
+
 } // namespace
 
 void Renderer::render(View& root, gfx::Canvas& canvas) {
@@ -165,7 +189,7 @@ void Renderer::drawBody(View& view, gfx::Canvas& canvas, const gfx::Rect& bounds
     view.draw(canvas, bounds);
     // Index loop with a held child: a misbehaving draw() may change the tree.
     const auto& children = view.subviews();
-    for (std::size_t i = 0; i < children.size(); ++i) {
+    for (std::size_t i = firstUncovered(children, canvas); i < children.size(); ++i) {
         auto child = children[i];
         drawView(*child, canvas, now);
     }
