@@ -155,8 +155,16 @@ void Canvas::Impl::trackClip(const Rect& rect, bool isBox) {
         state.clipIsBox = false;
         return;
     }
-    double ax = (m.x0 + m.xx * rect.x) * scale, bx = (m.x0 + m.xx * rect.maxX()) * scale;
-    double ay = (m.y0 + m.yy * rect.y) * scale, by = (m.y0 + m.yy * rect.maxY()) * scale;
+    // An edge meant for a pixel boundary (a region aligned to pixels at scale
+    // 3, say) may land a rounding error off it; it is taken as on it, as
+    // Cairo's fixed-point coordinates take it, so fills there stay direct.
+    auto device = [this](double v) {
+        double pixels = v * scale;
+        double nearest = std::round(pixels);
+        return std::abs(pixels - nearest) < 1e-7 ? nearest : pixels;
+    };
+    double ax = device(m.x0 + m.xx * rect.x), bx = device(m.x0 + m.xx * rect.maxX());
+    double ay = device(m.y0 + m.yy * rect.y), by = device(m.y0 + m.yy * rect.maxY());
     state.clipX0 = std::max(state.clipX0, std::min(ax, bx));
     state.clipX1 = std::min(state.clipX1, std::max(ax, bx));
     state.clipY0 = std::max(state.clipY0, std::min(ay, by));
