@@ -4,45 +4,58 @@
 #include <morvane/gfx/ImageContext.h>
 #include <morvane/sys/Clock.h>
 #include <morvane/ui/core/View.h>
+#include <morvane/ui/core/Window.h>
 #include <morvane/ui/core/detail/Animator.h>
+#include <morvane/ui/core/detail/RedrawAreas.h>
 
 #include <algorithm>
 #include <cmath>
 
 namespace morvane::ui {
 
-namespace {
-
-// Alpha below this draws nothing visible (less than half a step of 8 bits).
-constexpr double kInvisibleAlpha = 0.5 / 255;
-
-// How far a shadow reaches beyond its shape: offset plus the blur.
-gfx::Rect shadowExtent(const gfx::Rect& shape, const gfx::Shadow& shadow) {
-    double blur = std::max(0.0, shadow.radius) * 1.5;
-    return shape.offsetBy(shadow.offset.width, shadow.offset.height).insetBy(-blur, -blur);
-}
-
-// A position or transform that is not a finite number would put the whole
-// canvas into an error state; such a view is skipped instead.
-bool isDrawable(const PresentationState& s) {
-    const gfx::Transform& t = s.transform;
-    for (double v : {s.center.x, s.center.y, s.bounds.x, s.bounds.y, s.bounds.width, s.bounds.height, t.a,
-                     t.b, t.c, t.d, t.tx, t.ty})
-        if (!std::isfinite(v)) return false;
-    return t.inverted().has_value();
-}
-
-} // namespace
+using detail::isDrawable;
+using detail::kInvisibleAlpha;
+using detail::shadowExtent;
 
 void Renderer::render(View& root, gfx::Canvas& canvas) {
     root.layoutIfNeeded();
     viewsDrawn_ = 0;
     ++framesRendered_;
-    double now = sys::Clock::now();
-    auto state = root.presentation();
+    drawRoot(root, canvas, sys::Clock::now());
+}
+
+void Renderer::drawRoot(View& root, gfx::Canvas& canvas, double now) {
+    auto state = root.presentationAt(now);
     if (root.isHidden() || state.bounds.isEmpty() || !isDrawable(state)) return;
     auto saved = canvas.saved();
     drawBody(root, canvas, state.bounds, now);
+}
+
+DirtyRegion Renderer::renderFrame(Window& window, gfx::Canvas& canvas, Redraw redraw) {
+    window.layoutIfNeeded();
+    viewsDrawn_ = 0;
+    // One moment for the whole frame: the areas worked out and the views drawn
+    // in them must agree, even on a clock that moves while the frame is drawn.
+    double now = sys::Clock::now();
+    DirtyRegion changed = window.takeDirtyRegion(now);
+    gfx::Rect canvasArea{{0, 0}, canvas.size()};
+    DirtyRegion area;
+    if (redraw == Redraw::Everything)
+        area.add(canvasArea);
+    else
+        area = changed.pixelAligned(canvas.scale(), canvasArea);
+    if (area.isEmpty()) return area;
+    ++framesRendered_;
+    // Each part separately, clipped to a box: a box clip keeps the fast fills
+    // (a clip to several boxes at once would not), and outside the parts the
+    // pixels of the last frame stay as they are.
+    for (const gfx::Rect& part : area.rects()) {
+        auto saved = canvas.saved();
+        canvas.clipToRect(part);
+        canvas.clear(gfx::Color::whiteColor());
+        drawRoot(window, canvas, now);
+    }
+    return area;
 }
 
 gfx::Image Renderer::imageOf(View& view, double scale) {
@@ -61,7 +74,7 @@ gfx::Image Renderer::imageOf(View& view, double scale) {
 
 void Renderer::drawView(View& view, gfx::Canvas& canvas, double now) {
     if (view.isHidden()) return;
-    auto state = view.presentation();
+    auto state = view.presentationAt(now);
     if (state.alpha < kInvisibleAlpha || state.bounds.isEmpty() || !isDrawable(state)) return;
     double width = state.bounds.width;
     double height = state.bounds.height;
