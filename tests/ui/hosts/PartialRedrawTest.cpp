@@ -189,6 +189,40 @@ TEST_F(PartialRedrawTest, tree_changes_match_a_whole_redraw) {
     EXPECT_TRUE(frameMatchesWhole()) << "a subtree removed";
 }
 
+// A scroll moves the pixels already drawn and draws the strip it uncovers;
+// views over the scroll view, views inside that change as it scrolls, and
+// views taken out of it must still come out right.
+TEST_F(PartialRedrawTest, scrolled_content_moves_and_matches_a_whole_redraw) {
+    buildScreen();
+    auto floating = box({300, 400, 60, 60}, gfx::Color::fromBytes(0xe6, 0x39, 0x46));
+    floating->layer().setCornerRadius(30);
+    host.root()->addSubview(floating); // over the scroll view
+    ASSERT_TRUE(frameMatchesWhole());
+
+    scroll->setContentOffset({0, 37});
+    host.runUntilIdle();
+    Renderer::Frame pure = host.drawFrame(kScale);
+    EXPECT_TRUE(morvane::testing::imagesMatch(host.frameImage(), host.snapshot(kScale), 0, 1.5 / 255));
+    EXPECT_GE(pure.moved.area(), 349.0 * 262) << "the pixels that stay in view move";
+    EXPECT_LT(pure.drawn.area(), 350.0 * 37 + 2 * 60 * 60 + 800)
+        << "the uncovered strip and the view over it";
+
+    for (int step = 0; step < 12; ++step) {
+        scroll->setContentOffset({0, 37.0 * (step % 5) + (step % 3 == 2 ? 0.25 : 0)});
+        if (step == 3) rows[2]->setBackgroundColor(gfx::Color::fromBytes(0xff, 0xd5, 0x4f));
+        if (step == 5) rows[3]->removeFromSuperview();
+        if (step == 7) floating->setCenter({200, 300});
+        if (step == 9) rows[4]->setFrame({40, 20, 200, 60}); // moves within the content
+        if (step == 10) scroll->setContentOffset({0, 1});    // then back: two slides in one frame
+        EXPECT_TRUE(frameMatchesWhole()) << "step " << step;
+    }
+    EXPECT_TRUE(frameMatchesWhole(3)) << "at scale 3";
+    for (int step = 0; step < 6; ++step) {
+        scroll->setContentOffset({0, 100.0 + 37 * step});
+        EXPECT_TRUE(frameMatchesWhole(3)) << "scale 3, step " << step;
+    }
+}
+
 // Animations change the screen with no property set while they run; every
 // frame on the way, and the one after the end, must be right.
 TEST_F(PartialRedrawTest, animation_frames_match_a_whole_redraw) {
@@ -265,8 +299,8 @@ TEST_F(PartialRedrawTest, random_changes_match_a_whole_redraw) {
 TEST_F(PartialRedrawTest, frames_draw_only_what_changed) {
     buildScreen();
     host.runUntilIdle();
-    DirtyRegion first = host.drawFrame(kScale);
-    EXPECT_EQ(first.bounds(), (gfx::Rect{0, 0, 390, 844})) << "the first frame is drawn whole";
+    Renderer::Frame first = host.drawFrame(kScale);
+    EXPECT_EQ(first.drawn.bounds(), (gfx::Rect{0, 0, 390, 844})) << "the first frame is drawn whole";
     EXPECT_TRUE(host.drawFrame(kScale).isEmpty()) << "nothing changed, nothing drawn";
     // A layout pass that puts everything where it was changes nothing on screen.
     for (auto& row : rows)
@@ -275,7 +309,7 @@ TEST_F(PartialRedrawTest, frames_draw_only_what_changed) {
     EXPECT_TRUE(host.drawFrame(kScale).isEmpty());
 
     title->setText("Ribeira");
-    DirtyRegion text = host.drawFrame(kScale);
+    DirtyRegion text = host.drawFrame(kScale).drawn;
     ASSERT_FALSE(text.isEmpty());
     gfx::Rect label = title->convertRectTo(title->bounds(), nullptr);
     EXPECT_TRUE(text.bounds().contains(label));
@@ -283,11 +317,11 @@ TEST_F(PartialRedrawTest, frames_draw_only_what_changed) {
 
     // A move redraws where the view was and where it is, not the space between.
     ribbon->setCenter({30, 150});
-    DirtyRegion moved = host.drawFrame(kScale);
+    DirtyRegion moved = host.drawFrame(kScale).drawn;
     EXPECT_LT(moved.area(), 2 * 64.0 * 26.0);
 
     // Another scale needs every pixel again.
-    EXPECT_EQ(host.drawFrame(3).bounds(), (gfx::Rect{0, 0, 390, 844}));
+    EXPECT_EQ(host.drawFrame(3).drawn.bounds(), (gfx::Rect{0, 0, 390, 844}));
 }
 
 // Every rectangle added stays covered, the list stays short, and aligned

@@ -31,31 +31,47 @@ void Renderer::drawRoot(View& root, gfx::Canvas& canvas, double now) {
     drawBody(root, canvas, state.bounds, now);
 }
 
-DirtyRegion Renderer::renderFrame(Window& window, gfx::Canvas& canvas, Redraw redraw) {
+DirtyRegion Renderer::Frame::changed() const {
+    DirtyRegion all = drawn;
+    all.add(moved);
+    return all;
+}
+
+Renderer::Frame Renderer::renderFrame(Window& window, gfx::Canvas& canvas, Redraw redraw) {
     window.layoutIfNeeded();
     viewsDrawn_ = 0;
     // One moment for the whole frame: the areas worked out and the views drawn
     // in them must agree, even on a clock that moves while the frame is drawn.
     double now = sys::Clock::now();
-    DirtyRegion changed = window.takeDirtyRegion(now);
+    bool whole = redraw == Redraw::Everything;
+    Window::Changes changes = window.takeChanges(now, whole ? 0 : canvas.scale());
     gfx::Rect canvasArea{{0, 0}, canvas.size()};
-    DirtyRegion area;
-    if (redraw == Redraw::Everything)
-        area.add(canvasArea);
-    else
-        area = changed.pixelAligned(canvas.scale(), canvasArea);
-    if (area.isEmpty()) return area;
+    Frame frame;
+    if (whole) {
+        frame.drawn.add(canvasArea);
+    } else {
+        // Slid content first: the areas to draw are where things are after the moves.
+        for (const Window::PixelMove& move : changes.moves) {
+            gfx::Rect area = move.area.intersection(canvasArea);
+            if (canvas.movePixels(area, move.by))
+                frame.moved.add(area);
+            else
+                changes.region.add(area);
+        }
+        frame.drawn = changes.region.pixelAligned(canvas.scale(), canvasArea);
+    }
+    if (frame.isEmpty()) return frame;
     ++framesRendered_;
     // Each part separately, clipped to a box: a box clip keeps the fast fills
     // (a clip to several boxes at once would not), and outside the parts the
     // pixels of the last frame stay as they are.
-    for (const gfx::Rect& part : area.rects()) {
+    for (const gfx::Rect& part : frame.drawn.rects()) {
         auto saved = canvas.saved();
         canvas.clipToRect(part);
         canvas.clear(gfx::Color::whiteColor());
         drawRoot(window, canvas, now);
     }
-    return area;
+    return frame;
 }
 
 gfx::Image Renderer::imageOf(View& view, double scale) {

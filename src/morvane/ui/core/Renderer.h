@@ -31,12 +31,20 @@ class Renderer {
         Changes,    // they show the window's last frame: draw only what changed since
         Everything, // they are new or lost: draw the whole window
     };
+    // What a frame did, in window coordinates grown to whole device pixels.
+    struct Frame {
+        DirtyRegion drawn; // cleared and drawn again
+        DirtyRegion moved; // pixels moved, as content slid under a view
+        bool isEmpty() const { return drawn.isEmpty() && moved.isEmpty(); }
+        // Every pixel that may have changed.
+        DirtyRegion changed() const;
+    };
     // Lays out and draws a frame of the window at the canvas's origin, over
-    // white where the window is transparent, as hosts show it. Returns what
-    // was drawn, in window coordinates grown to whole device pixels: nothing
-    // when nothing changed. A frame redrawn in parts has the same pixels as
-    // one drawn whole.
-    DirtyRegion renderFrame(Window& window, gfx::Canvas& canvas, Redraw redraw);
+    // white where the window is transparent, as hosts show it. Content that
+    // slid under a view (a scroll) has its pixels moved and only the strip it
+    // uncovered drawn. Nothing is drawn when nothing changed. A frame redrawn
+    // in parts has the same pixels as one drawn whole.
+    Frame renderFrame(Window& window, gfx::Canvas& canvas, Redraw redraw);
 
     // A picture of the view alone (laid out first), the size of its bounds at
     // the scale, transparent where it draws nothing. A view with an empty

@@ -79,6 +79,15 @@ void View::markNeedsDisplay() {
         v->subtreeNeedsDisplay_ = true;
 }
 
+void View::markContentMoved(gfx::Point oldOrigin) {
+    MORVANE_ASSERT_MAIN_THREAD();
+    if (!contentMoved_) shownOrigin_ = oldOrigin;
+    contentMoved_ = true;
+    for (View* v = this; v && !v->subtreeNeedsDisplay_; v = v->superview_)
+        v->subtreeNeedsDisplay_ = true;
+    Animator::bumpDisplayGeneration();
+}
+
 void View::noteMoving() {
     if (Window* w = window()) w->noteMoving(*this);
 }
@@ -122,7 +131,11 @@ void View::setBounds(const gfx::Rect& bounds) {
     bounds_ = bounds;
     animateProperty(detail::kBounds, from);
     if (old.size() != bounds.size()) setNeedsLayout();
-    changed();
+    bool animated = animations_ && animations_->tracks[detail::kBounds].runningAt(sys::Clock::now());
+    if (old.size() == bounds.size() && !animated)
+        markContentMoved(old.origin());
+    else
+        changed();
     boundsChanged(old);
 }
 

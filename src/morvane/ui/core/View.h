@@ -237,6 +237,9 @@ class View : public std::enable_shared_from_this<View> {
     void changed();
     // Marks the view for redrawing in the next frame, and the path to it.
     void markNeedsDisplay();
+    // Marks a move of the bounds origin alone: the content slid under the
+    // view, which a frame may show by moving the pixels already there.
+    void markContentMoved(gfx::Point oldOrigin);
     // Lets the window redraw this view on every frame while it moves on its own.
     void noteMoving();
     bool canAdopt(const View* view) const;
@@ -260,6 +263,8 @@ class View : public std::enable_shared_from_this<View> {
     // Redraw marks, kept like the layout marks: a marked view has marked
     // ancestors, so a frame walks only the paths to what changed.
     bool needsDisplay_ = false;
+    bool contentMoved_ = false;
+    gfx::Point shownOrigin_; // the bounds origin the last frame showed, while contentMoved_
     bool subtreeNeedsDisplay_ = false;
     bool animatesContinuously_ = false;
     // Where this view and everything inside it showed in the last frame, in

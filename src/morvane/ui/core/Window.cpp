@@ -211,7 +211,7 @@ void Window::noteMoving(View& view) {
     moving_.push_back(view.weak_from_this());
 }
 
-DirtyRegion Window::takeDirtyRegion(double time) {
+Window::Changes Window::takeChanges(double time, double scale) {
     // Animating views change on screen with no property set: mark them for
     // this frame, and once more after they stop, for their final look.
     for (std::size_t i = 0; i < moving_.size();) {
@@ -226,10 +226,11 @@ DirtyRegion Window::takeDirtyRegion(double time) {
         else
             moving_.erase(moving_.begin() + static_cast<std::ptrdiff_t>(i));
     }
-    DirtyRegion region = std::move(removedAreas_);
+    Changes changes;
+    DirtyRegion removed = std::move(removedAreas_);
     removedAreas_.clear();
-    detail::RedrawAreas::collect(*this, time, region);
-    return region;
+    detail::RedrawAreas::collect(*this, time, scale, removed, changes);
+    return changes;
 }
 
 } // namespace morvane::ui

@@ -38,13 +38,25 @@ class Window : public View {
     // False when no other view would take it.
     bool focusNextField(View& from);
 
+    // Pixels a frame can move instead of drawing them again: where a view's
+    // content slid under it (a scroll), what the last frame showed there.
+    struct PixelMove {
+        gfx::Rect area; // whole device pixels, in window coordinates
+        gfx::Point by;  // the new pixel at p is the old one at p + by
+    };
+    struct Changes {
+        std::vector<PixelMove> moves; // done first, in order
+        DirtyRegion region;           // then drawn again
+    };
     // What changed on screen since the last call, in window coordinates: the
     // old and the new areas of every view changed, added, removed or
     // animating, with the views drawn as they are at `time` on the kit's
-    // clock. Taking it clears the marks, so it belongs to the one host that
-    // keeps this window's pixels from frame to frame and redraws only these
-    // parts. Lay the window out first.
-    DirtyRegion takeDirtyRegion(double time);
+    // clock. With a device scale, content that slid by whole pixels under an
+    // opaque clipping view comes as a move plus the strip it uncovered; with
+    // 0, as areas to draw. Taking the changes clears the marks, so they belong
+    // to the one host that keeps this window's pixels from frame to frame.
+    // Lay the window out first.
+    Changes takeChanges(double time, double scale);
 
   private:
     friend class View;

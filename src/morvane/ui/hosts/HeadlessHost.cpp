@@ -101,7 +101,7 @@ gfx::Image HeadlessHost::snapshot(double scale) const {
     return context.takeImage();
 }
 
-DirtyRegion HeadlessHost::drawFrame(double scale) {
+Renderer::Frame HeadlessHost::drawFrame(double scale) {
     if (!(scale > 0) || !std::isfinite(scale)) scale = 2;
     gfx::Size size = window_->bounds().size();
     int width = static_cast<int>(std::ceil(std::max(0.0, size.width) * scale - 1e-9));

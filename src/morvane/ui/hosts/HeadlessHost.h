@@ -15,8 +15,8 @@
 
 #include <morvane/gfx/Geometry.h>
 #include <morvane/gfx/Image.h>
-#include <morvane/ui/core/DirtyRegion.h>
 #include <morvane/ui/core/Key.h>
+#include <morvane/ui/core/Renderer.h>
 
 #include <cstdint>
 #include <memory>
@@ -26,7 +26,6 @@
 
 namespace morvane::ui {
 
-class Renderer;
 class Window;
 
 class HeadlessHost {
@@ -67,9 +66,9 @@ class HeadlessHost {
 
     // The next frame, drawn as a window host draws it: into pixels the host
     // keeps from frame to frame, redrawing only what changed since the last
-    // frame (all of it the first time, or at another scale). Returns the
-    // area drawn; empty when nothing changed.
-    DirtyRegion drawFrame(double scale = 2);
+    // frame (all of it the first time, or at another scale). Says what was
+    // drawn and moved: nothing when nothing changed.
+    Renderer::Frame drawFrame(double scale = 2);
     // The pixels of the frames drawn so far (null before the first).
     gfx::Image frameImage() const;
 

@@ -237,8 +237,10 @@ void WindowHost::drawFrame() {
     // The kept pixels hold the last frame, so only what changed is drawn;
     // when the window was exposed, its surface needs every pixel again.
     bool whole = impl_->exposed;
-    DirtyRegion drawn = impl_->renderer->renderFrame(
-        *window_, *canvas, whole ? Renderer::Redraw::Everything : Renderer::Redraw::Changes);
+    DirtyRegion drawn =
+        impl_->renderer
+            ->renderFrame(*window_, *canvas, whole ? Renderer::Redraw::Everything : Renderer::Redraw::Changes)
+            .changed();
     canvas.reset();
     // The window surface's format varies by display; SDL converts while copying.
     SDL_Surface* source =

@@ -12,11 +12,7 @@
 #include <morvane/gfx/Shadow.h>
 #include <morvane/gfx/Transform.h>
 #include <morvane/ui/Forward.h>
-
-namespace morvane::ui {
-struct PresentationState;
-class DirtyRegion;
-} // namespace morvane::ui
+#include <morvane/ui/core/Window.h>
 
 namespace morvane::ui::detail {
 
@@ -32,19 +28,40 @@ bool isDrawable(const PresentationState& state);
 
 class RedrawAreas {
   public:
-    // Adds to `region` the old and new areas of what changed under `root`
-    // (drawn at the canvas origin, as the renderer draws a root), and clears
-    // the marks. `time` is the moment the frame shows.
-    static void collect(View& root, double time, DirtyRegion& region);
+    // Collects into `changes` the old and new areas of what changed under the
+    // window (drawn at the canvas origin, as the renderer draws a root), and
+    // clears the marks. `time` is the moment the frame shows; `removed` holds
+    // the areas of views taken out since the last frame. With a scale above
+    // 0, a pure scroll of an opaque clipping view becomes a pixel move.
+    static void collect(Window& window, double time, double scale, const DirtyRegion& removed,
+                        Window::Changes& changes);
 
   private:
-    enum class Mode { Path, Redraw };
-    RedrawAreas(DirtyRegion& region, double time) : region_(region), time_(time) {}
-    gfx::Rect visit(View& view, const gfx::Transform* toWindow, const gfx::Rect& clip, Mode mode);
+    enum class Mode {
+        Path,   // following marks: unmarked views are as they were
+        Redraw, // inside a changed view: every area is recomputed
+        Moved,  // inside a view whose content slid: marked views moved with it before they changed
+    };
+    // What the walk carries down from the ancestors.
+    struct Context {
+        const gfx::Transform* toWindow = nullptr; // the parent's content to the window; null for the root
+        gfx::Rect clip;                           // the ancestors' clips, all boxes
+        bool plain = true; // no fading, mask, rounded clip or border above: pixels can move
+    };
+
+    RedrawAreas(Window::Changes& changes, double time, double scale)
+        : changes_(changes), time_(time), scale_(scale) {}
+    gfx::Rect visit(View& view, const Context& context, Mode mode);
+    // For a view whose content alone slid: the move of its pixels, or false
+    // when they cannot move (the view is then drawn again).
+    bool startMove(View& view, const gfx::Rect& frame, const Context& context, gfx::Point by);
     static void clearMarks(View& view);
 
-    DirtyRegion& region_;
+    Window::Changes& changes_;
     double time_;
+    double scale_;
+    // The move in progress (Mode::Moved).
+    Window::PixelMove move_;
 };
 
 } // namespace morvane::ui::detail
