@@ -42,18 +42,20 @@ gfx::Image stripes() {
 class PartialRedrawTest : public ::testing::Test {
   protected:
     // Draws the next frame in parts and compares it with the state drawn whole.
-    // Fills, pictures and text come out the same to the bit; a shape that
-    // Cairo rasterises (a turned rectangle, an ellipse) may differ a little
-    // in the odd pixel where a part's edge cuts it, as Cairo cuts the shape
-    // there, so a few pixels may differ slightly and none by much.
+    // Fills, pictures and text come out the same to the bit. A shape that
+    // Cairo rasterises (a turned rectangle, a circular clip) is cut by Cairo
+    // where a clip edge crosses it, and steps along its edges from there, so
+    // the same shape under another clip (a part's edge, or the scroll view's
+    // edge before a scroll moved it) may differ in the antialiasing of its
+    // edge pixels: a few pixels may differ, none by much.
     ::testing::AssertionResult frameMatchesWhole(double scale = kScale) {
         host.runUntilIdle();
         host.drawFrame(scale);
         gfx::Image frame = host.frameImage();
         gfx::Image whole = host.snapshot(scale);
-        auto nearlyAll = morvane::testing::imagesMatch(frame, whole, 2e-5, 1.5 / 255);
+        auto nearlyAll = morvane::testing::imagesMatch(frame, whole, 5e-4, 1.5 / 255);
         if (!nearlyAll) return nearlyAll;
-        return morvane::testing::imagesMatch(frame, whole, 0, 0.15);
+        return morvane::testing::imagesMatch(frame, whole, 0, 0.3);
     }
 
     // A screen with something of every kind: nested and clipped views, a
@@ -103,6 +105,12 @@ class PartialRedrawTest : public ::testing::Test {
             label->setText("Row " + std::to_string(i));
             label->setTextColor(gfx::Color::whiteColor());
             row->addSubview(label);
+            auto photo = std::make_shared<ImageView>(gfx::Rect{250.3, 7.7, 75.4, 75.4});
+            photo->setImage(stripes());
+            photo->setContentMode(gfx::ContentMode::AspectFill);
+            photo->setClipsToBounds(true);
+            photo->layer().setCornerRadius(37.7); // a circle, cut by the scroll view's edges as it scrolls
+            row->addSubview(photo);
             scroll->addSubview(row);
             rows.push_back(row);
         }
@@ -202,7 +210,7 @@ TEST_F(PartialRedrawTest, scrolled_content_moves_and_matches_a_whole_redraw) {
     scroll->setContentOffset({0, 37});
     host.runUntilIdle();
     Renderer::Frame pure = host.drawFrame(kScale);
-    EXPECT_TRUE(morvane::testing::imagesMatch(host.frameImage(), host.snapshot(kScale), 0, 1.5 / 255));
+    EXPECT_TRUE(morvane::testing::imagesMatch(host.frameImage(), host.snapshot(kScale), 5e-4, 1.5 / 255));
     EXPECT_GE(pure.moved.area(), 349.0 * 262) << "the pixels that stay in view move";
     EXPECT_LT(pure.drawn.area(), 350.0 * 37 + 2 * 60 * 60 + 800)
         << "the uncovered strip and the view over it";
