@@ -61,6 +61,7 @@ class Renderer {
     void drawRoot(View& root, gfx::Canvas& canvas, double now);
     void drawView(View& view, gfx::Canvas& canvas, double now);
     void drawBody(View& view, gfx::Canvas& canvas, const gfx::Rect& bounds, double now);
+    void fillBackground(View& view, gfx::Canvas& canvas, const gfx::Rect& local, gfx::Point shift, double now);
 
     int viewsDrawn_ = 0;
     std::uint64_t framesRendered_ = 0;
