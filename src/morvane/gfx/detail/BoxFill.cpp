@@ -267,6 +267,16 @@ void fillBox(const PixelTarget& target, const DeviceBox& outerBox, const DeviceB
             cornerRow(painter, outer, out, j, i0, i1, runFirst, runLast);
             continue;
         }
+        if (!hasInner && out.corner && outer.x1 - outer.x0 >= 2) {
+            // A box so narrow that its corners meet (a pill, a small round
+            // badge) has no run between them; split the row at the middle
+            // instead: every pixel left of it lies outside the right corner
+            // and every one right of it outside the left corner, so each
+            // half is its own corner's, as either side of a run is.
+            int middle = std::clamp(static_cast<int>(std::floor((outer.x0 + outer.x1) / 2 + 0.5)), i0, i1);
+            cornerRow(painter, outer, out, j, i0, i1, middle, middle);
+            continue;
+        }
         int found = 0;
         for (int i = i0; i < i1; ++i) {
             if (i == runFirst && runFirst < runLast) {
