@@ -61,26 +61,19 @@ class PictureFolder {
     std::filesystem::path root_;
 };
 
-// One frame as the window host makes it: run what is due, lay out, clear
-// the window's pixels (kept from frame to frame) and draw the whole window
-// at the scale.
+// One frame as the window host makes it: run what is due, lay out, and draw
+// at the scale into pixels kept from frame to frame, where only what changed
+// since the last frame is drawn again.
 class FrameDrawer {
   public:
     explicit FrameDrawer(double scale) : scale_(scale) {}
     void operator()(ui::HeadlessHost& host) {
-        const gfx::Size size = host.root()->bounds().size();
-        const int width = int(size.width * scale_), height = int(size.height * scale_);
-        pixels_.resize(std::size_t(width) * std::size_t(height) * 4);
         host.runUntilIdle();
-        auto canvas = gfx::Canvas::overPixels(pixels_.data(), width, height, width * 4, scale_);
-        canvas->clear(gfx::Color::whiteColor());
-        renderer_.render(*host.root(), *canvas);
+        host.drawFrame(scale_);
     }
 
   private:
     double scale_;
-    ui::Renderer renderer_;
-    std::vector<std::uint8_t> pixels_;
 };
 
 } // namespace morvane::bench

@@ -91,3 +91,62 @@ TEST(BoxFill, matches_the_general_filler_at_scales_2_and_3) {
         EXPECT_LT(largestDifference(direct, general), 0.7);
     }
 }
+
+namespace {
+
+// The coverage a filled rounded box gives a device pixel, worked out pixel by
+// pixel from the shape alone: the share of the pixel inside the box's sides,
+// and in a corner the distance to the arc over a one-pixel ramp.
+double referenceCoverage(double x0, double y0, double x1, double y1, double r, int i, int j) {
+    auto overlap = [](double a0, double a1, double b0, double b1) {
+        return std::max(0.0, std::min(a1, b1) - std::max(a0, b0));
+    };
+    double c = overlap(i, i + 1.0, x0, x1) * overlap(j, j + 1.0, y0, y1);
+    if (c <= 0 || r <= 0) return c;
+    double px = i + 0.5, py = j + 0.5;
+    bool cornerRow = j < y0 + r || j + 1 > y1 - r;
+    if (!cornerRow) return c;
+    double cx = std::clamp(px, x0 + r, x1 - r), cy = std::clamp(py, y0 + r, y1 - r);
+    if (cx == px || cy == py) return c;
+    double d = std::hypot(px - cx, py - cy);
+    return std::min(c, std::clamp(r + 0.5 - d, 0.0, 1.0));
+}
+
+} // namespace
+
+// The fast paths (runs between corners, whole rows, corner rows split at
+// their middle) must give each pixel exactly what the shape's own coverage
+// gives it, for boxes wide and narrow, round and square, at any offset.
+TEST(BoxFill, every_pixel_gets_the_shapes_own_coverage) {
+    // Scale 2 keeps the device geometry exact through the division to points.
+    const double scale = 2;
+    const Color tone(0.2, 0.5, 0.7);
+    for (int n = 0; n < 60; ++n) {
+        // Device-pixel geometry from a simple sequence: offsets in every
+        // fraction, widths from two pixels up, radii up to and past a pill.
+        double x0 = 2 + (n * 0.37 - std::floor(n * 0.37)), y0 = 2 + (n * 0.61 - std::floor(n * 0.61));
+        double w = 2 + (n % 13) * 1.7, h = 4 + (n % 7) * 3.3;
+        double r = (n % 5) * 0.3 * std::min(w, h);
+        SCOPED_TRACE(::testing::Message() << "box " << x0 << "," << y0 << " " << w << "x" << h << " r " << r);
+        ImageContext context(Size{30, 60}, Opacity::Opaque, scale);
+        context.canvas().clear(Color::whiteColor());
+        context.canvas().fillRoundedRect(Rect{x0 / scale, y0 / scale, w / scale, h / scale}, r / scale, tone);
+        Image image = context.takeImage();
+        double radius = std::min({r, w / 2, h / 2});
+        int wrong = 0;
+        for (int j = 0; j < image.pixelHeight(); ++j)
+            for (int i = 0; i < image.pixelWidth(); ++i) {
+                double c = referenceCoverage(x0, y0, x0 + w, y0 + h, radius, i, j);
+                auto amount = static_cast<int>(c * 255 + 0.5);
+                // Source over white in 8 bits, rounded as the blend rounds.
+                auto times = [](int a, int b) {
+                    int t = a * b + 128;
+                    return (t + (t >> 8)) >> 8;
+                };
+                int expected = times(255, 255 - amount) + times(Color::toByte(0.2), amount);
+                int red = static_cast<int>(std::lround(image.pixelColor(i, j)->red * 255));
+                if (red != expected) ++wrong;
+            }
+        EXPECT_EQ(wrong, 0);
+    }
+}

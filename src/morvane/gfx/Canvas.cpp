@@ -7,6 +7,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <cstring>
 
 namespace morvane::gfx {
 
@@ -155,8 +156,16 @@ void Canvas::Impl::trackClip(const Rect& rect, bool isBox) {
         state.clipIsBox = false;
         return;
     }
-    double ax = (m.x0 + m.xx * rect.x) * scale, bx = (m.x0 + m.xx * rect.maxX()) * scale;
-    double ay = (m.y0 + m.yy * rect.y) * scale, by = (m.y0 + m.yy * rect.maxY()) * scale;
+    // An edge meant for a pixel boundary (a region aligned to pixels at scale
+    // 3, say) may land a rounding error off it; it is taken as on it, as
+    // Cairo's fixed-point coordinates take it, so fills there stay direct.
+    auto device = [this](double v) {
+        double pixels = v * scale;
+        double nearest = std::round(pixels);
+        return std::abs(pixels - nearest) < 1e-7 ? nearest : pixels;
+    };
+    double ax = device(m.x0 + m.xx * rect.x), bx = device(m.x0 + m.xx * rect.maxX());
+    double ay = device(m.y0 + m.yy * rect.y), by = device(m.y0 + m.yy * rect.maxY());
     state.clipX0 = std::max(state.clipX0, std::min(ax, bx));
     state.clipX1 = std::min(state.clipX1, std::max(ax, bx));
     state.clipY0 = std::max(state.clipY0, std::min(ay, by));
@@ -440,6 +449,45 @@ void Canvas::clear(const Color& color) {
                           clamp01(color.alpha));
     cairo_paint(cr);
     cairo_restore(cr);
+}
+
+bool Canvas::movePixels(const Rect& area, Point by) {
+    if (!impl_->directPixels || cairo_get_group_target(impl_->cr) != impl_->surface) return false;
+    double s = impl_->scale;
+    double values[] = {area.x * s, area.y * s, area.maxX() * s, area.maxY() * s, by.x * s, by.y * s};
+    long whole[6];
+    for (int i = 0; i < 6; ++i) {
+        if (!std::isfinite(values[i]) || std::abs(values[i]) > 1e7) return false;
+        double nearest = std::round(values[i]);
+        if (std::abs(values[i] - nearest) > 1e-6) return false;
+        whole[i] = static_cast<long>(nearest);
+    }
+    cairo_surface_t* surface = impl_->surface;
+    long width = cairo_image_surface_get_width(surface), height = cairo_image_surface_get_height(surface);
+    long x0 = std::max(0L, whole[0]), y0 = std::max(0L, whole[1]);
+    long x1 = std::min(width, whole[2]), y1 = std::min(height, whole[3]);
+    long dx = whole[4], dy = whole[5];
+    // Destinations whose source lies in the area too.
+    long tx0 = std::max(x0, x0 - dx), tx1 = std::min(x1, x1 - dx);
+    long ty0 = std::max(y0, y0 - dy), ty1 = std::min(y1, y1 - dy);
+    if (tx0 >= tx1 || ty0 >= ty1) return true;
+    cairo_surface_flush(surface);
+    std::uint8_t* data = cairo_image_surface_get_data(surface);
+    long stride = cairo_image_surface_get_stride(surface);
+    std::size_t bytes = static_cast<std::size_t>(tx1 - tx0) * 4;
+    // Rows in the order that never reads a row already overwritten.
+    auto moveRow = [&](long y) {
+        std::memmove(data + y * stride + tx0 * 4, data + (y + dy) * stride + (tx0 + dx) * 4, bytes);
+    };
+    if (dy >= 0)
+        for (long y = ty0; y < ty1; ++y)
+            moveRow(y);
+    else
+        for (long y = ty1 - 1; y >= ty0; --y)
+            moveRow(y);
+    cairo_surface_mark_dirty_rectangle(surface, static_cast<int>(tx0), static_cast<int>(ty0),
+                                       static_cast<int>(tx1 - tx0), static_cast<int>(ty1 - ty0));
+    return true;
 }
 
 void Canvas::fillRect(const Rect& rect, const Color& color) {

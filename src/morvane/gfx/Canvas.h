@@ -111,6 +111,13 @@ class Canvas {
     // ---- Fills and strokes --------------------------------------------------
     // Replaces everything inside the clip with the colour (clear for transparent).
     void clear(const Color& color = Color::clearColor());
+    // Moves pixels within the area (in the canvas's points, whole device
+    // pixels, regardless of the transform and clip): afterwards the pixel at
+    // p shows what the one at p + by showed, for every p of the area whose
+    // source lies in it too; the rest of the area keeps its pixels. False,
+    // with nothing moved, when the pixels cannot be reached directly or the
+    // area or offset falls between pixels.
+    bool movePixels(const Rect& area, Point by);
     void fillRect(const Rect& rect, const Color& color);
     void strokeRect(const Rect& rect, const Color& color, double lineWidth);
     void fillRoundedRect(const Rect& rect, double cornerRadius, const Color& color);

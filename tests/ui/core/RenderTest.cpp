@@ -195,6 +195,40 @@ TEST(Render, views_under_an_opaque_cover_are_skipped_unless_they_could_show) {
     cover->setBackgroundColor(gfx::Color(0, 0, 1, 0.5));
     EXPECT_EQ(drawn(), 9);
     EXPECT_TRUE(host.snapshot(1).pixelColor(5, 50)->isClose(gfx::Color(0.5, 0, 0.5, 1), 0.02));
+
+// A background under opaque children is filled only around them; where the
+// children's edges fall between pixels, the background must still show
+// through exactly as when it is painted whole underneath (here by a separate
+// backdrop view behind a transparent parent).
+TEST(Render, background_hidden_by_opaque_children_draws_the_same_pixels) {
+    auto screen = [](bool ownBackground) {
+        auto window = Window::create({200, 300});
+        gfx::Color tone = gfx::Color::fromBytes(0x2a, 0x9d, 0x8f, 200);
+        if (!ownBackground) window->addSubview(box({3.3, 4.7, 190.2, 280.9}, tone));
+        auto parent = std::make_shared<View>(gfx::Rect{3.3, 4.7, 190.2, 280.9});
+        parent->setBackgroundColor(ownBackground ? tone : gfx::Color::clearColor());
+        parent->setBounds({0, 5.15, 190.2, 280.9}); // content shifted by a fraction
+        for (int r = 0; r < 12; ++r) {
+            // Rows of fractional height, with gaps, one translucent and one rounded (neither hides anything).
+            auto row = box({r % 3 * 0.4, 21.3 * r + 0.2, 190.2 - r % 3 * 0.8, 21.3 - (r % 4 == 1 ? 1.1 : 0)},
+                           gfx::Color::gray(0.1 + 0.07 * r, r == 5 ? 0.6 : 1));
+            if (r == 8) row->layer().setCornerRadius(6);
+            parent->addSubview(row);
+        }
+        parent->addSubview(box({150.35, -3, 60, 40}, gfx::Color::redColor())); // past the parent's edge
+        window->addSubview(parent);
+        return window;
+    };
+    for (double scale : {1.0, 2.0, 3.0}) {
+        auto own = screen(true), separate = screen(false);
+        gfx::ImageContext a({200, 300}, gfx::Opacity::Opaque, scale),
+            b({200, 300}, gfx::Opacity::Opaque, scale);
+        Renderer renderer;
+        renderer.render(*own, a.canvas());
+        renderer.render(*separate, b.canvas());
+        EXPECT_TRUE(morvane::testing::imagesMatch(a.takeImage(), b.takeImage(), 0, 0.5 / 255))
+            << "scale " << scale;
+    }
 }
 
 TEST(Render, image_of_a_view_is_its_bounds_at_the_scale) {

@@ -48,8 +48,14 @@ double coverage(const DeviceBox& box, const Row& row, int i, int j) {
     double cy = py < box.y0 + r ? box.y0 + r : py > box.y1 - r ? box.y1 - r : py;
     if (cx == px || cy == py) return c;
     // In a corner: the distance to the arc gives the coverage, within the
-    // half-pixel ramp an antialiased edge has.
-    double d = std::sqrt((px - cx) * (px - cx) + (py - cy) * (py - cy));
+    // half-pixel ramp an antialiased edge has. Pixels clearly inside or
+    // outside the ramp need no square root (the margin keeps the answer the
+    // same as the root would give).
+    double squared = (px - cx) * (px - cx) + (py - cy) * (py - cy);
+    double margin = 1e-9 * (r + 1) * (r + 1);
+    if (r >= 0.5 && squared < (r - 0.5) * (r - 0.5) - margin) return c;
+    if (squared > (r + 0.5) * (r + 0.5) + margin) return 0;
+    double d = std::sqrt(squared);
     return std::min(c, std::clamp(r + 0.5 - d, 0.0, 1.0));
 }
 
@@ -74,6 +80,21 @@ class Painter {
     }
 
     void put(int i, int j, std::uint32_t s, std::uint32_t a) { blend(row(j) + i, s, a); }
+
+    // Pixel i of rows [top, bottom), each the same source. Down the column
+    // with the source held in registers: a box's edge pixels repeat so.
+    void column(int i, int top, int bottom, std::uint32_t s, std::uint32_t a) {
+        if (top >= bottom) return;
+        auto* p = reinterpret_cast<std::uint8_t*>(row(top) + i);
+        const std::ptrdiff_t stride = t_.stride;
+        if (a == 255) {
+            for (int j = top; j < bottom; ++j, p += stride)
+                *reinterpret_cast<std::uint32_t*>(p) = s;
+            return;
+        }
+        for (int j = top; j < bottom; ++j, p += stride)
+            blend(reinterpret_cast<std::uint32_t*>(p), s, a);
+    }
 
     // Pixels [first, last) of row j, each covered by the same amount.
     void span(int first, int last, int j, double cover) {
@@ -246,6 +267,16 @@ void fillBox(const PixelTarget& target, const DeviceBox& outerBox, const DeviceB
             cornerRow(painter, outer, out, j, i0, i1, runFirst, runLast);
             continue;
         }
+        if (!hasInner && out.corner && outer.x1 - outer.x0 >= 2) {
+            // A box so narrow that its corners meet (a pill, a small round
+            // badge) has no run between them; split the row at the middle
+            // instead: every pixel left of it lies outside the right corner
+            // and every one right of it outside the left corner, so each
+            // half is its own corner's, as either side of a run is.
+            int middle = std::clamp(static_cast<int>(std::floor((outer.x0 + outer.x1) / 2 + 0.5)), i0, i1);
+            cornerRow(painter, outer, out, j, i0, i1, middle, middle);
+            continue;
+        }
         int found = 0;
         for (int i = i0; i < i1; ++i) {
             if (i == runFirst && runFirst < runLast) {
@@ -270,9 +301,8 @@ void fillBox(const PixelTarget& target, const DeviceBox& outerBox, const DeviceB
             // run is the same, so the band of rectangles carries on.
             edgeCount = found;
             int end = std::min(midBottom, j1);
-            for (int k = j + 1; k < end; ++k)
-                for (int e = 0; e < edgeCount; ++e)
-                    painter.put(edge[e].i, k, edge[e].s, edge[e].a);
+            for (int e = 0; e < edgeCount; ++e)
+                painter.column(edge[e].i, j + 1, end, edge[e].s, edge[e].a);
             j = std::max(j, end - 1);
         }
     }

@@ -84,6 +84,8 @@ void ScrollView::setContentSize(gfx::Size size) {
     if (!(size.height >= 0) || !std::isfinite(size.height)) size.height = 0;
     if (size == contentSize_) return;
     contentSize_ = size;
+    // What a subclass draws is laid out on the content.
+    setNeedsDisplay();
     if (!dragging_ && !decelerating_) {
         gfx::Point c = clamped(contentOffset());
         if (c != contentOffset()) applyOffset(c);
@@ -414,5 +416,9 @@ void ScrollView::settle() {
 }
 
 void ScrollView::draw(gfx::Canvas&, const gfx::Rect&) {}
+
+gfx::Rect ScrollView::drawingRect() const {
+    return View::drawingRect().united(gfx::Rect{{0, 0}, contentSize_}.insetBy(-1, -1));
+}
 
 } // namespace morvane::ui

@@ -97,6 +97,8 @@ class ScrollView : public View {
     void touchesEnded(const Touches& touches) override;
     void touchesCancelled(const Touches& touches) override;
     void draw(gfx::Canvas& canvas, const gfx::Rect& rect) override;
+    // A subclass draws on the content (a text view's text), which may reach past the bounds.
+    gfx::Rect drawingRect() const override;
 
   protected:
     void layoutSubviews() override;

@@ -2,7 +2,6 @@
 
 #include <morvane/gfx/Canvas.h>
 #include <morvane/sys/Clock.h>
-#include <morvane/ui/core/detail/Animator.h>
 
 #include <algorithm>
 #include <cmath>
@@ -24,9 +23,7 @@ ActivityIndicator::ActivityIndicator(Style style) : style_(style) {
     setHidden(true);
 }
 
-ActivityIndicator::~ActivityIndicator() {
-    if (animating_) detail::Animator::removeContinuous();
-}
+ActivityIndicator::~ActivityIndicator() = default;
 
 void ActivityIndicator::setStyle(Style style) {
     if (style == style_) return;
@@ -50,7 +47,8 @@ void ActivityIndicator::setHidesWhenStopped(bool hides) {
 void ActivityIndicator::startAnimating() {
     if (animating_) return;
     animating_ = true;
-    detail::Animator::addContinuous();
+    // The spokes step round with the clock alone: every frame draws them again.
+    setAnimatesContinuously(true);
     if (hidesWhenStopped_) setHidden(false);
     setNeedsDisplay();
 }
@@ -58,7 +56,7 @@ void ActivityIndicator::startAnimating() {
 void ActivityIndicator::stopAnimating() {
     if (!animating_) return;
     animating_ = false;
-    detail::Animator::removeContinuous();
+    setAnimatesContinuously(false);
     if (hidesWhenStopped_) setHidden(true);
     setNeedsDisplay();
 }

@@ -33,6 +33,12 @@ gfx::Size ImageView::sizeThatFits(gfx::Size) const {
     return image_ ? image_.size() : gfx::Size{};
 }
 
+gfx::Rect ImageView::drawingRect() const {
+    gfx::Rect area = View::drawingRect();
+    if (!image_) return area;
+    return area.united(gfx::placeContent(image_.size(), bounds(), contentMode_).insetBy(-1, -1));
+}
+
 void ImageView::draw(gfx::Canvas& canvas, const gfx::Rect& rect) {
     if (image_) canvas.drawImage(image_, rect, contentMode_);
 }

@@ -24,6 +24,8 @@ class ImageView : public View {
     // The picture's size in points.
     gfx::Size sizeThatFits(gfx::Size size) const override;
     void draw(gfx::Canvas& canvas, const gfx::Rect& rect) override;
+    // Aspect fill and centring may place the picture past the bounds.
+    gfx::Rect drawingRect() const override;
 
   private:
     gfx::Image image_;

@@ -34,6 +34,10 @@ constexpr int kMaxLayoutPasses = 16;
 // Views at or below this alpha do not take touches.
 constexpr double kMinimumHitAlpha = 0.01;
 
+// How far past its bounds a view's own drawing may reach by default: strokes
+// centred on the edge and glyph ink beyond the line box.
+constexpr double kInkMargin = 1;
+
 } // namespace
 
 gfx::Rect PresentationState::frame() const {
@@ -57,11 +61,51 @@ View::~View() {
         child->superview_ = nullptr;
     for (auto& recognizer : gestureRecognizers_)
         recognizer->view_ = nullptr;
+    if (animatesContinuously_) Animator::removeContinuous();
 }
 
 void View::changed() {
     MORVANE_ASSERT_MAIN_THREAD();
+    markNeedsDisplay();
     Animator::bumpDisplayGeneration();
+}
+
+void View::markNeedsDisplay() {
+    needsDisplay_ = true;
+    subtreeNeedsDisplay_ = true;
+    // From the parent up: a view that was just attached may carry its own
+    // marks from before, with none yet on its new ancestors.
+    for (View* v = superview_; v && !v->subtreeNeedsDisplay_; v = v->superview_)
+        v->subtreeNeedsDisplay_ = true;
+}
+
+void View::markContentMoved(gfx::Point oldOrigin) {
+    MORVANE_ASSERT_MAIN_THREAD();
+    if (!contentMoved_) shownOrigin_ = oldOrigin;
+    contentMoved_ = true;
+    for (View* v = this; v && !v->subtreeNeedsDisplay_; v = v->superview_)
+        v->subtreeNeedsDisplay_ = true;
+    Animator::bumpDisplayGeneration();
+}
+
+void View::noteMoving() {
+    if (Window* w = window()) w->noteMoving(*this);
+}
+
+void View::setAnimatesContinuously(bool animates) {
+    if (animates == animatesContinuously_) return;
+    animatesContinuously_ = animates;
+    if (animates) {
+        Animator::addContinuous();
+        noteMoving();
+    } else {
+        Animator::removeContinuous();
+    }
+    changed();
+}
+
+gfx::Rect View::drawingRect() const {
+    return bounds_.insetBy(-kInkMargin, -kInkMargin);
 }
 
 void View::setNeedsDisplay() {
@@ -87,7 +131,11 @@ void View::setBounds(const gfx::Rect& bounds) {
     bounds_ = bounds;
     animateProperty(detail::kBounds, from);
     if (old.size() != bounds.size()) setNeedsLayout();
-    changed();
+    bool animated = animations_ && animations_->tracks[detail::kBounds].runningAt(sys::Clock::now());
+    if (old.size() == bounds.size() && !animated)
+        markContentMoved(old.origin());
+    else
+        changed();
     boundsChanged(old);
 }
 
@@ -223,12 +271,15 @@ void View::attach(const std::shared_ptr<View>& view, std::size_t index) {
         Window* newWindow = window();
         if (oldWindow != newWindow) view->notifyWindowChange(oldWindow, newWindow);
     }
-    changed();
+    // Only the added (or restacked) view's area changes on screen.
+    view->changed();
 }
 
 void View::detachChild(const View* view) {
     auto it = std::find_if(subviews_.begin(), subviews_.end(), [&](auto& c) { return c.get() == view; });
     if (it == subviews_.end()) return;
+    // What the child showed must be drawn over; it can no longer be found from the window.
+    if (Window* w = window()) w->addRemovedArea((*it)->shownArea_);
     (*it)->superview_ = nullptr;
     subviews_.erase(it);
     setNeedsLayout();
@@ -248,6 +299,7 @@ void View::removeFromSuperview() {
 
 void View::notifyWindowChange(Window* oldWindow, Window* newWindow) {
     if (oldWindow) oldWindow->detachedSubtree(this);
+    if (newWindow && (animatesContinuously_ || hasAnimations())) newWindow->noteMoving(*this);
     // Index loop: a hook may change the children.
     didMoveToWindow();
     for (std::size_t i = 0; i < subviews_.size(); ++i) {
@@ -259,15 +311,17 @@ void View::notifyWindowChange(Window* oldWindow, Window* newWindow) {
 void View::bringSubviewToFront(const View* view) {
     auto it = std::find_if(subviews_.begin(), subviews_.end(), [&](auto& c) { return c.get() == view; });
     if (it == subviews_.end() || it + 1 == subviews_.end()) return;
+    auto moved = *it;
     std::rotate(it, it + 1, subviews_.end());
-    changed();
+    moved->changed();
 }
 
 void View::sendSubviewToBack(const View* view) {
     auto it = std::find_if(subviews_.begin(), subviews_.end(), [&](auto& c) { return c.get() == view; });
     if (it == subviews_.end() || it == subviews_.begin()) return;
+    auto moved = *it;
     std::rotate(subviews_.begin(), it, it + 1);
-    changed();
+    moved->changed();
 }
 
 // ---- 3. Layout ---------------------------------------------------------------------
@@ -275,7 +329,8 @@ void View::sendSubviewToBack(const View* view) {
 void View::setNeedsLayout() {
     needsLayout_ = true;
     markSubtreeNeedsLayout();
-    changed();
+    // The host must come round to lay out; the layout itself marks what it moves.
+    Animator::bumpDisplayGeneration();
 }
 
 void View::markSubtreeNeedsLayout() {
@@ -479,9 +534,13 @@ bool View::endEditing() {
 // ---- 6. Animation ---------------------------------------------------------------------
 
 PresentationState View::presentation() const {
+    if (!animations_) return {center_, bounds_, alpha_, transform_};
+    return presentationAt(sys::Clock::now());
+}
+
+PresentationState View::presentationAt(double now) const {
     PresentationState s{center_, bounds_, alpha_, transform_};
     if (!animations_) return s;
-    double now = sys::Clock::now();
     const auto& a = *animations_;
     if (a.tracks[detail::kCenter].runningAt(now))
         s.center = detail::mix(a.fromCenter, center_, a.tracks[detail::kCenter].progress(now));
@@ -526,6 +585,7 @@ void View::animateProperty(detail::AnimatedProperty property, const Presentation
         return;
     }
     a.tracks[property] = detail::Track{true, context->start, context->duration, context->group};
+    noteMoving();
 }
 
 void View::removeAllAnimations() {
@@ -590,6 +650,7 @@ void View::transition(const std::shared_ptr<View>& view, double duration, Transi
         view->animations_->oldLook = oldLook;
         view->animations_->dissolve = detail::Track{true, now, duration, group};
         Animator::noteBusyUntil(now + duration);
+        view->noteMoving();
     }
     // The changes themselves are not animated (a zero-length block shields
     // them from an enclosing animate()).

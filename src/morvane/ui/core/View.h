@@ -39,6 +39,7 @@ namespace morvane::ui {
 namespace detail {
 struct ViewAnimations;
 class Animator;
+class RedrawAreas;
 enum AnimatedProperty : int;
 } // namespace detail
 
@@ -89,7 +90,9 @@ class View : public std::enable_shared_from_this<View> {
     void setClipsToBounds(bool clips) { layer_.setMasksToBounds(clips); }
     Layer& layer() { return layer_; }
     const Layer& layer() const { return layer_; }
-    // Asks the host to draw the next frame (every property change does this itself).
+    // Asks the host to draw the view again in the next frame (every property
+    // change does this itself; a view that draws its own content calls it
+    // when that content changes).
     void setNeedsDisplay();
 
     // ---- Identity -----------------------------------------------------------
@@ -196,12 +199,19 @@ class View : public std::enable_shared_from_this<View> {
     bool hasAnimations() const;
     // What the screen shows of this view at the kit's current time.
     PresentationState presentation() const;
+    // The same at a moment of the kit's clock (a frame uses one moment throughout).
+    PresentationState presentationAt(double time) const;
 
     // ---- Drawing ------------------------------------------------------------
     // Draws the view's own content in its bounds coordinates, above the
     // background and below the children and the border. `rect` is the area
     // to draw (the bounds). The default draws nothing.
     virtual void draw(gfx::Canvas& canvas, const gfx::Rect& rect);
+    // The area, in bounds coordinates, that draw() may paint: a frame that
+    // redraws only what changed redraws this much of the view. The default is
+    // the bounds with a point to spare for strokes on the edge and glyph ink;
+    // a view that draws further out says so here.
+    virtual gfx::Rect drawingRect() const;
 
   protected:
     // Places the children from the view's own bounds. Called before drawing
@@ -213,14 +223,25 @@ class View : public std::enable_shared_from_this<View> {
     // Told after the bounds changed (origin or size). A size change has
     // already asked for layout; a scroll view also lays out when its origin moves.
     virtual void boundsChanged(const gfx::Rect& oldBounds) { (void)oldBounds; }
+    // For a view whose drawing moves with the clock alone (a spinner): while
+    // on, every frame draws it again and the host keeps drawing frames.
+    void setAnimatesContinuously(bool animates);
 
   private:
     friend class Layer;
     friend class Window;
     friend class Renderer;
     friend class detail::Animator;
+    friend class detail::RedrawAreas;
 
     void changed();
+    // Marks the view for redrawing in the next frame, and the path to it.
+    void markNeedsDisplay();
+    // Marks a move of the bounds origin alone: the content slid under the
+    // view, which a frame may show by moving the pixels already there.
+    void markContentMoved(gfx::Point oldOrigin);
+    // Lets the window redraw this view on every frame while it moves on its own.
+    void noteMoving();
     bool canAdopt(const View* view) const;
     void attach(const std::shared_ptr<View>& view, std::size_t index);
     void detachChild(const View* view);
@@ -239,6 +260,17 @@ class View : public std::enable_shared_from_this<View> {
     bool userInteractionEnabled_ = true;
     bool needsLayout_ = true;
     bool subtreeNeedsLayout_ = true;
+    // Redraw marks, kept like the layout marks: a marked view has marked
+    // ancestors, so a frame walks only the paths to what changed.
+    bool needsDisplay_ = false;
+    bool contentMoved_ = false;
+    gfx::Point shownOrigin_; // the bounds origin the last frame showed, while contentMoved_
+    bool subtreeNeedsDisplay_ = false;
+    bool animatesContinuously_ = false;
+    // Where this view and everything inside it showed in the last frame, in
+    // window coordinates and cut by the ancestors' clips: what a change or a
+    // removal must draw over.
+    gfx::Rect shownArea_;
     gfx::Color backgroundColor_ = gfx::Color::clearColor();
     int tag_ = 0;
     std::optional<std::string> accessibilityHint_;

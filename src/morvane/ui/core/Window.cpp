@@ -5,6 +5,8 @@
 #include <morvane/sys/Clock.h>
 #include <morvane/ui/controls/Control.h>
 #include <morvane/ui/core/GestureRecognizer.h>
+#include <morvane/ui/core/detail/Animator.h>
+#include <morvane/ui/core/detail/RedrawAreas.h>
 
 namespace morvane::ui {
 
@@ -199,6 +201,36 @@ bool Window::focusNextField(View& from) {
 bool Window::sendKey(Key key) {
     if (auto focused = firstResponder_.lock()) return focused->keyPressed(key);
     return false;
+}
+
+// ---- Redraw areas ---------------------------------------------------------------
+
+void Window::noteMoving(View& view) {
+    for (auto& entry : moving_)
+        if (entry.lock().get() == &view) return;
+    moving_.push_back(view.weak_from_this());
+}
+
+Window::Changes Window::takeChanges(double time, double scale) {
+    // Animating views change on screen with no property set: mark them for
+    // this frame, and once more after they stop, for their final look.
+    for (std::size_t i = 0; i < moving_.size();) {
+        auto view = moving_[i].lock();
+        bool keep = view && view->window() == this;
+        if (keep) {
+            view->markNeedsDisplay();
+            keep = view->animatesContinuously_ || (view->animations_ && view->animations_->runningAt(time));
+        }
+        if (keep)
+            ++i;
+        else
+            moving_.erase(moving_.begin() + static_cast<std::ptrdiff_t>(i));
+    }
+    Changes changes;
+    DirtyRegion removed = std::move(removedAreas_);
+    removedAreas_.clear();
+    detail::RedrawAreas::collect(*this, time, scale, removed, changes);
+    return changes;
 }
 
 } // namespace morvane::ui

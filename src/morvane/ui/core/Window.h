@@ -4,6 +4,7 @@
 // gesture recognition, typed text and keys for the right views. Points given
 // to the send functions are in window coordinates.
 
+#include <morvane/ui/core/DirtyRegion.h>
 #include <morvane/ui/core/Key.h>
 #include <morvane/ui/core/Touch.h>
 #include <morvane/ui/core/View.h>
@@ -37,8 +38,31 @@ class Window : public View {
     // False when no other view would take it.
     bool focusNextField(View& from);
 
+    // Pixels a frame can move instead of drawing them again: where a view's
+    // content slid under it (a scroll), what the last frame showed there.
+    struct PixelMove {
+        gfx::Rect area; // whole device pixels, in window coordinates
+        gfx::Point by;  // the new pixel at p is the old one at p + by
+    };
+    struct Changes {
+        std::vector<PixelMove> moves; // done first, in order
+        DirtyRegion region;           // then drawn again
+    };
+    // What changed on screen since the last call, in window coordinates: the
+    // old and the new areas of every view changed, added, removed or
+    // animating, with the views drawn as they are at `time` on the kit's
+    // clock. With a device scale, content that slid by whole pixels under an
+    // opaque clipping view comes as a move plus the strip it uncovered; with
+    // 0, as areas to draw. Taking the changes clears the marks, so they belong
+    // to the one host that keeps this window's pixels from frame to frame.
+    // Lay the window out first.
+    Changes takeChanges(double time, double scale);
+
   private:
     friend class View;
+    void addRemovedArea(const gfx::Rect& area) { removedAreas_.add(area); }
+    // Keeps redrawing the view on every frame while it animates or moves continuously.
+    void noteMoving(View& view);
     void setFirstResponder(View* view);
     void detachedSubtree(View* root);
 
@@ -57,6 +81,8 @@ class Window : public View {
     // actions of the recognised step. False when the view must not see the step.
     bool feedRecognizers(TouchState& touch, const Touch& step);
     TouchState touch_;
+    DirtyRegion removedAreas_;
+    std::vector<std::weak_ptr<View>> moving_;
     std::weak_ptr<View> firstResponder_;
     // For counting taps in a row.
     double lastTapTime_ = -1e9;

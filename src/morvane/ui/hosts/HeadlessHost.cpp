@@ -8,11 +8,13 @@
 #include <morvane/ui/core/Window.h>
 
 #include <algorithm>
+#include <cmath>
+#include <cstring>
 #include <fstream>
 
 namespace morvane::ui {
 
-HeadlessHost::HeadlessHost(gfx::Size size) {
+HeadlessHost::HeadlessHost(gfx::Size size) : frameRenderer_(std::make_unique<Renderer>()) {
     if (!sys::Clock::isManual()) sys::Clock::useManual();
     window_ = Window::create(size);
     window_->layoutIfNeeded();
@@ -97,6 +99,40 @@ gfx::Image HeadlessHost::snapshot(double scale) const {
     Renderer renderer;
     renderer.render(*window_, context.canvas());
     return context.takeImage();
+}
+
+Renderer::Frame HeadlessHost::drawFrame(double scale) {
+    if (!(scale > 0) || !std::isfinite(scale)) scale = 2;
+    gfx::Size size = window_->bounds().size();
+    int width = static_cast<int>(std::ceil(std::max(0.0, size.width) * scale - 1e-9));
+    int height = static_cast<int>(std::ceil(std::max(0.0, size.height) * scale - 1e-9));
+    if (width <= 0 || height <= 0) return {};
+    auto redraw = Renderer::Redraw::Changes;
+    if (width != frameWidth_ || height != frameHeight_ || scale != frameScale_) {
+        framePixels_.assign(std::size_t(width) * std::size_t(height) * 4, 0);
+        frameWidth_ = width;
+        frameHeight_ = height;
+        frameScale_ = scale;
+        redraw = Renderer::Redraw::Everything;
+    }
+    auto canvas = gfx::Canvas::overPixels(framePixels_.data(), width, height, width * 4, scale);
+    return frameRenderer_->renderFrame(*window_, *canvas, redraw);
+}
+
+gfx::Image HeadlessHost::frameImage() const {
+    if (framePixels_.empty()) return {};
+    // The kept pixels are 32-bit words in native order; the image takes bytes in A, R, G, B order.
+    std::vector<std::uint8_t> bytes(framePixels_.size());
+    for (std::size_t i = 0; i < framePixels_.size(); i += 4) {
+        std::uint32_t p;
+        std::memcpy(&p, framePixels_.data() + i, 4);
+        bytes[i] = std::uint8_t(p >> 24);
+        bytes[i + 1] = std::uint8_t(p >> 16);
+        bytes[i + 2] = std::uint8_t(p >> 8);
+        bytes[i + 3] = std::uint8_t(p);
+    }
+    return gfx::Image::fromPixels(bytes.data(), frameWidth_, frameHeight_, std::size_t(frameWidth_) * 4,
+                                  gfx::PixelFormat::ARGBPremultiplied, frameScale_);
 }
 
 bool HeadlessHost::writeSnapshot(const std::string& path, double scale) const {

@@ -16,10 +16,13 @@
 #include <morvane/gfx/Geometry.h>
 #include <morvane/gfx/Image.h>
 #include <morvane/ui/core/Key.h>
+#include <morvane/ui/core/Renderer.h>
 
+#include <cstdint>
 #include <memory>
 #include <string>
 #include <string_view>
+#include <vector>
 
 namespace morvane::ui {
 
@@ -61,8 +64,21 @@ class HeadlessHost {
     // The snapshot as a PNG file; false when it could not be written.
     bool writeSnapshot(const std::string& path, double scale = 2) const;
 
+    // The next frame, drawn as a window host draws it: into pixels the host
+    // keeps from frame to frame, redrawing only what changed since the last
+    // frame (all of it the first time, or at another scale). Says what was
+    // drawn and moved: nothing when nothing changed.
+    Renderer::Frame drawFrame(double scale = 2);
+    // The pixels of the frames drawn so far (null before the first).
+    gfx::Image frameImage() const;
+
   private:
     std::shared_ptr<Window> window_;
+    std::unique_ptr<Renderer> frameRenderer_;
+    std::vector<std::uint8_t> framePixels_;
+    int frameWidth_ = 0;
+    int frameHeight_ = 0;
+    double frameScale_ = 0;
 };
 
 } // namespace morvane::ui

@@ -234,19 +234,38 @@ void WindowHost::drawFrame() {
     std::uint64_t generation = detail::Animator::displayGeneration();
     auto canvas = gfx::Canvas::overPixels(impl_->pixels.data(), impl_->pixelWidth, impl_->pixelHeight,
                                           impl_->pixelWidth * 4, options_.scale);
-    canvas->clear(gfx::Color::whiteColor());
-    impl_->renderer->render(*window_, *canvas);
+    // The kept pixels hold the last frame, so only what changed is drawn;
+    // when the window was exposed, its surface needs every pixel again.
+    bool whole = impl_->exposed;
+    DirtyRegion drawn =
+        impl_->renderer
+            ->renderFrame(*window_, *canvas, whole ? Renderer::Redraw::Everything : Renderer::Redraw::Changes)
+            .changed();
     canvas.reset();
     // The window surface's format varies by display; SDL converts while copying.
     SDL_Surface* source =
         SDL_CreateRGBSurfaceWithFormatFrom(impl_->pixels.data(), impl_->pixelWidth, impl_->pixelHeight, 32,
                                            impl_->pixelWidth * 4, SDL_PIXELFORMAT_ARGB8888);
-    if (source) {
+    if (source && whole) {
         SDL_SetSurfaceBlendMode(source, SDL_BLENDMODE_NONE);
         SDL_BlitSurface(source, nullptr, target, nullptr);
-        SDL_FreeSurface(source);
         SDL_UpdateWindowSurface(impl_->window);
+    } else if (source && !drawn.isEmpty()) {
+        SDL_SetSurfaceBlendMode(source, SDL_BLENDMODE_NONE);
+        std::vector<SDL_Rect> parts;
+        for (const gfx::Rect& r : drawn.rects()) {
+            gfx::Rect device = gfx::Rect{r.x * options_.scale, r.y * options_.scale, r.width * options_.scale,
+                                         r.height * options_.scale}
+                                   .integral();
+            SDL_Rect part{static_cast<int>(device.x), static_cast<int>(device.y),
+                          static_cast<int>(device.width), static_cast<int>(device.height)};
+            SDL_Rect to = part;
+            SDL_BlitSurface(source, &part, target, &to);
+            parts.push_back(part);
+        }
+        SDL_UpdateWindowSurfaceRects(impl_->window, parts.data(), static_cast<int>(parts.size()));
     }
+    if (source) SDL_FreeSurface(source);
     // Layout during the render may have changed views; what was drawn is current.
     drawnGeneration_ = std::max(generation, detail::Animator::displayGeneration());
     lastFrameTime_ = sys::Clock::now();
