@@ -1,3 +1,5 @@
+// Formatters, shared instances and saved settings used from several threads
+// at once; labelled for the ThreadSanitizer run.
 #include <morvane/model/Value.h>
 #include <morvane/util/Dates.h>
 #include <morvane/util/GAirportCode.h>
