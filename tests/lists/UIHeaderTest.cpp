@@ -216,7 +216,7 @@ TEST_F(UIHeaderTest, the_segment_switch_asks_its_callback_and_stops_a_runaway_ho
 
 // "zed: ball" is logged per registration; an empty callback removes its
 // entry; the back button shows once watched and reports "".
-TEST_F(UIHeaderTest, registration_and_the_back_button) {
+TEST_F(UIHeaderTest, registration_is_logged_and_the_back_button_reports_once_watched) {
     sys::Log::Capture log;
     header->watch("second", {}, [](const NodePtr&) {});
     header->watch("owner", {}, {});
@@ -253,7 +253,7 @@ TEST_F(UIHeaderTest, layout_follows_the_bar_size) {
     EXPECT_DOUBLE_EQ(header->layer().shadowRadius(), 0.02 * w);
 }
 
-TEST_F(UIHeaderTest, header_snapshot) {
+TEST_F(UIHeaderTest, the_header_matches_its_snapshot) {
     resourcePicture("store", 300, 200, Colors::hex("#E07A5F"));
     header->addImage("store", std::nullopt);
     header->addTitle("Porto Alvo-Harbour Café");

@@ -149,7 +149,7 @@ TEST_F(UITblHdrAllTest, layout_stacks_the_header_over_the_rows) {
 // What the composite adds to its parts' own operations: the colours, the
 // translation hook reaching both, swipes on the grid ignored (logged once),
 // cleanUp clearing the header and its current selection.
-TEST_F(UITblHdrAllTest, routing_to_the_parts) {
+TEST_F(UITblHdrAllTest, colours_translation_and_swipes_are_routed_to_the_parts) {
     make(Form::Grid);
     const gfx::Color navy = Colors::hex("#1D2A44");
     composite->setBackgroundColor(navy);
@@ -178,7 +178,7 @@ TEST_F(UITblHdrAllTest, routing_to_the_parts) {
     EXPECT_EQ(composite->headerUI()->mySelection()->size(), 0u);
 }
 
-TEST_F(UITblHdrAllTest, header_over_grid_and_over_list_snapshots) {
+TEST_F(UITblHdrAllTest, the_header_over_grid_and_over_list_match_their_snapshots) {
     resourcePicture("harbour", 300, 200, Colors::hex("#3D5A80"));
     resourcePicture("dish0", 200, 200, Colors::hex("#E07A5F"));
     resourcePicture("dish1", 300, 200, Colors::hex("#81B29A"));
