@@ -59,7 +59,7 @@ class UIAdminTest : public HostFixture {
 
 } // namespace
 
-TEST_F(UIAdminTest, a_record_on_the_card_named_by_its_first_header_key_with_dates_made_readable) {
+TEST_F(UIAdminTest, a_selected_record_opens_on_the_card_named_by_its_first_header_key_with_readable_dates) {
     // Before the list hands over its flag, a selection opens the card.
     admin->itemSelected(record("s2"));
     EXPECT_FALSE(admin->profileUI()->isHidden());
@@ -174,9 +174,7 @@ TEST(UIAdminReentrancy, any_operation_from_any_callback_is_safe) {
             if (card.myLbl().size() > 2) card.txtChanged("x", *card.myLbl()[2]);
             card.txtChanged("Renamed", *card.nameLbl());
         });
-        harness.input("touch", [](ui::HeadlessHost& host, UIAdmin& a, Random& r) {
-            host.tap(randomPointIn(r, a.convertRectTo(a.bounds(), nullptr)));
-        });
+        harness.tapAnywhere();
         harness.run(ReentrancyHarness<UIAdmin>::steps(500, 3000));
         EXPECT_GT(harness.callbacks(), 30) << seed;
     }

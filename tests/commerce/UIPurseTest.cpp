@@ -162,7 +162,7 @@ TEST(ZBPayTest, apple_pay_reports_and_stays_credit_card_hides_then_reports) {
     EXPECT_TRUE(sameRect(pay->applePay()->frame(), gfx::Rect(0.07 * 390, (100 - f) / 2, 0.4 * 390, f)));
     EXPECT_TRUE(sameRect(pay->creditPay()->frame(), gfx::Rect(0.53 * 390, (100 - f) / 2, 0.4 * 390, f)));
 
-    auto press = [&](const ui::View& b) { host.tap(b.convertRectTo(b.bounds(), nullptr).center()); };
+    auto press = [&](const ui::View& b) { host.tap(centreOf(b)); };
     press(*pay->creditPay());
     EXPECT_FALSE(pay->isHidden()) << "no callback: nothing happens";
 
@@ -224,9 +224,7 @@ TEST(UIPurseReentrancy, any_operation_from_any_callback_is_safe) {
         harness.operation("back", [](UIPurse& p, Random&) { p.qrProfile()->backAction(); });
         harness.operation("colour",
                           [](UIPurse& p, Random&) { p.setBackgroundColor(gfx::Color::grayColor()); });
-        harness.input("tap", [](ui::HeadlessHost& host, UIPurse& p, Random& r) {
-            host.tap(randomPointIn(r, p.convertRectTo(p.bounds(), nullptr)));
-        });
+        harness.tapAnywhere();
         harness.run(ReentrancyHarness<UIPurse>::steps(400, 3000));
         EXPECT_GT(harness.callbacks(), 40) << seed;
     }

@@ -13,6 +13,13 @@ void configure(UITbl& list, const ListConfig& c) {
              c.checkBox, c.select, c.incKey);
 }
 
+int linesWith(const sys::Log::Capture& log, std::string_view text) {
+    const auto lines = log.texts();
+    return int(std::count_if(lines.begin(), lines.end(), [text](const std::string& line) {
+        return line.find(text) != std::string::npos;
+    }));
+}
+
 void ListsFixture::SetUp() {
     enterSandbox("lists");
     host = std::make_unique<ui::HeadlessHost>();
@@ -28,9 +35,9 @@ void ListsFixture::TearDown() {
     leaveSandbox();
 }
 
-std::vector<std::string> ListsFixture::rowKeys() const {
+std::vector<std::string> keysOf(const List& rows) {
     std::vector<std::string> out;
-    for (const Value& row : *list->myData()) {
+    for (const Value& row : rows) {
         const NodePtr& node = row.node();
         out.push_back(node && node->get("key").isText() ? node->get("key").textOr() : "-");
     }
@@ -46,6 +53,10 @@ std::shared_ptr<UITblCell> ListsFixture::cellAt(int row) const {
 gfx::Point ListsFixture::rowCentre(int row) const {
     const auto& table = list->tbl();
     return table->convertRectTo(table->rectForRow(ui::IndexPath::forRow(row)), nullptr).center();
+}
+
+void ListsFixture::tapOn(const ui::View& view) const {
+    host->tap(view.convertRectTo(view.bounds(), nullptr).center());
 }
 
 } // namespace morvane::test

@@ -216,12 +216,8 @@ TEST(UICTblReentrancy, any_operation_from_any_callback_is_safe) {
         harness.operation("watch none", [](UICTbl& grid, Random& r) {
             if (chance(r, 0.2)) grid.watchTbl(std::nullopt, {}, {}, {});
         });
-        harness.operation("translation arrives", [&pending](UICTbl&, Random& r) {
-            if (!pending.empty()) pending[std::size_t(randomInt(r, 0, int(pending.size()) - 1))]("Prato");
-        });
-        harness.input("tap", [](ui::HeadlessHost& host, UICTbl& grid, Random& r) {
-            host.tap(randomPointIn(r, grid.convertRectTo(grid.bounds(), nullptr)));
-        });
+        harness.complete("translation arrives", pending, std::string("Prato"));
+        harness.tapAnywhere();
         harness.input("scroll", [](ui::HeadlessHost& host, UICTbl&, Random& r) {
             host.drag({200, double(randomInt(r, 100, 700))}, {200, double(randomInt(r, 50, 800))}, 0.2, 5);
         });

@@ -37,10 +37,7 @@ class UIHeaderTest : public ListsFixture {
         header.reset();
         ListsFixture::TearDown();
     }
-    void tapSelection() { host->tap(centre(*header->selectionBtn())); }
-    static gfx::Point centre(const ui::View& view) {
-        return view.convertRectTo(view.bounds(), nullptr).center();
-    }
+    void tapSelection() { tapOn(*header->selectionBtn()); }
     std::string caption() const { return header->selectionBtn()->currentTitle(); }
 
     std::shared_ptr<UIHeader> header;
@@ -142,15 +139,17 @@ TEST_F(UIHeaderTest, captions_and_titles_are_split_and_translated_on_the_main_qu
     EXPECT_EQ(header->subtitleLbl()->text(), "Rua Nova 4\nPorto");
 }
 
+// Splitting picks the space nearest the middle, counting UTF-16 units (the
+// emoji is two: by code points the middle would fall nearer the second
+// space); trimming drops parenthesised runs.
 TEST(UIHeaderText, splitting_in_two_picks_the_space_nearest_the_middle) {
-    using Parts = std::vector<std::string>;
-    EXPECT_EQ(UIHeader::splitStringInTwo("New York City"), (Parts{"New York", "City"}));
-    EXPECT_EQ(UIHeader::splitStringInTwo("  Lisbon  "), (Parts{"Lisbon"}));
-    EXPECT_EQ(UIHeader::splitStringInTwo("ab cd"), (Parts{"ab", "cd"}));
-    EXPECT_EQ(UIHeader::splitStringInTwo("a bcdef"), (Parts{"a", "bcdef"}));
-    // Positions count UTF-16 units (the emoji is two): counted by code points
-    // the middle would fall nearer the second space.
-    EXPECT_EQ(UIHeader::splitStringInTwo("é😀 ab cd"), (Parts{"é😀", "ab cd"}));
+    const std::pair<const char*, Texts> splits[] = {{"New York City", {"New York", "City"}},
+                                                    {"  Lisbon  ", {"Lisbon"}},
+                                                    {"ab cd", {"ab", "cd"}},
+                                                    {"a bcdef", {"a", "bcdef"}},
+                                                    {"é😀 ab cd", {"é😀", "ab cd"}}};
+    for (const auto& [text, parts] : splits)
+        EXPECT_EQ(UIHeader::splitStringInTwo(text), parts) << text;
     EXPECT_EQ(UIHeader::trim("Tokyo (Haneda)"), "Tokyo");
     EXPECT_EQ(UIHeader::trim(" a (b) c (d"), "a  c (d") << "an unclosed run stays";
     EXPECT_EQ(UIHeader::trim(" no brackets "), " no brackets ") << "untouched without \"(\"";
@@ -212,15 +211,12 @@ TEST_F(UIHeaderTest, the_segment_switch_asks_its_callback_and_stops_a_runaway_ho
     header->segmentChanged();
     header->segmentChanged();
     EXPECT_EQ(rounds, 2 * 17);
-    int stops = 0;
-    for (const auto& text : log.texts())
-        stops += text.find("keeps answering an index") != std::string::npos;
-    EXPECT_EQ(stops, 1);
+    EXPECT_EQ(linesWith(log, "keeps answering an index"), 1);
 }
 
 // "zed: ball" is logged per registration; an empty callback removes its
 // entry; the back button shows once watched and reports "".
-TEST_F(UIHeaderTest, registration_and_the_back_button) {
+TEST_F(UIHeaderTest, registration_is_logged_and_the_back_button_reports_once_watched) {
     sys::Log::Capture log;
     header->watch("second", {}, [](const NodePtr&) {});
     header->watch("owner", {}, {});
@@ -233,39 +229,31 @@ TEST_F(UIHeaderTest, registration_and_the_back_button) {
     host->runUntilIdle();
     EXPECT_FALSE(header->backBtn()->isHidden());
     EXPECT_EQ(header->backBtn()->currentTitle(), "Home");
-    host->tap(centre(*header->backBtn()));
+    tapOn(*header->backBtn());
     EXPECT_EQ(backs, (Texts{"[]"}));
 }
 
-// The layout table at two sizes.
+// The layout from the bar's size: a bar smaller than the usual one in both
+// directions shows a constant where a proportion belongs.
 TEST_F(UIHeaderTest, layout_follows_the_bar_size) {
-    const double t = UIHeader::getTextHeight();
-    const double f = 3 * gfx::Font::systemFontSize();
-    for (gfx::Size size : {gfx::Size{390, 120}, gfx::Size{300, 90}}) {
-        header->setFrame({0, 0, size.width, size.height});
-        host->runUntilIdle();
-        const double w = size.width, h = size.height, s = h / 2;
-        EXPECT_TRUE(sameRect(header->backBtn()->frame(), gfx::Rect(0.2 * s, 0, w, 0.8 * (h - s))))
-            << "backBtn";
-        EXPECT_TRUE(sameRect(header->photo()->frame(), gfx::Rect(0.2 * s, 0.8 * (h - s), s, s))) << "photo";
-        EXPECT_DOUBLE_EQ(header->photo()->layer().cornerRadius(), s / 2);
-        EXPECT_TRUE(
-            sameRect(header->titleLbl()->frame(), gfx::Rect(1.4 * s, 0.8 * (h - s), w - 1.5 * s, 0.6 * f)))
-            << "titleLbl";
-        const double titleBottom = 0.8 * (h - s) + 0.6 * f;
-        EXPECT_EQ(header->subtitleLbl()->frame(),
-                  gfx::Rect(1.5 * s, titleBottom, w - 1.5 * s, h - titleBottom));
-        EXPECT_TRUE(sameRect(header->selectionBtn()->frame(), gfx::Rect(0.68 * w, 0.8 * (h - t), 0.3 * w, t)))
-            << "selectionBtn";
-        EXPECT_TRUE(sameRect(header->toaster()->frame(), gfx::Rect(0, h, w, 0.5 * f))) << "toaster";
-        EXPECT_TRUE(sameRect(header->segmentedControl()->frame(),
-                             gfx::Rect(0.34 * w, h - 0.55 * t, 0.32 * w, 0.5 * t)))
-            << "segmentedControl";
-        EXPECT_DOUBLE_EQ(header->layer().shadowRadius(), 0.02 * w);
-    }
+    const double t = UIHeader::getTextHeight(), f = 3 * gfx::Font::systemFontSize();
+    const double w = 300, h = 90, s = h / 2, titleBottom = 0.8 * (h - s) + 0.6 * f;
+    header->setFrame({0, 0, w, h});
+    host->runUntilIdle();
+    EXPECT_TRUE(sameRect(header->backBtn()->frame(), gfx::Rect(0.2 * s, 0, w, 0.8 * (h - s))));
+    EXPECT_TRUE(sameRect(header->photo()->frame(), gfx::Rect(0.2 * s, 0.8 * (h - s), s, s)));
+    EXPECT_DOUBLE_EQ(header->photo()->layer().cornerRadius(), s / 2);
+    EXPECT_TRUE(
+        sameRect(header->titleLbl()->frame(), gfx::Rect(1.4 * s, 0.8 * (h - s), w - 1.5 * s, 0.6 * f)));
+    EXPECT_EQ(header->subtitleLbl()->frame(), gfx::Rect(1.5 * s, titleBottom, w - 1.5 * s, h - titleBottom));
+    EXPECT_TRUE(sameRect(header->selectionBtn()->frame(), gfx::Rect(0.68 * w, 0.8 * (h - t), 0.3 * w, t)));
+    EXPECT_TRUE(sameRect(header->toaster()->frame(), gfx::Rect(0, h, w, 0.5 * f)));
+    EXPECT_TRUE(
+        sameRect(header->segmentedControl()->frame(), gfx::Rect(0.34 * w, h - 0.55 * t, 0.32 * w, 0.5 * t)));
+    EXPECT_DOUBLE_EQ(header->layer().shadowRadius(), 0.02 * w);
 }
 
-TEST_F(UIHeaderTest, header_snapshot) {
+TEST_F(UIHeaderTest, the_header_matches_its_snapshot) {
     resourcePicture("store", 300, 200, Colors::hex("#E07A5F"));
     header->addImage("store", std::nullopt);
     header->addTitle("Porto Alvo-Harbour Café");
@@ -321,21 +309,17 @@ TEST(UIHeaderReentrancy, any_operation_from_any_callback_is_safe) {
         });
         harness.operation("toast", [](UIHeader& header, Random&) { header.toast("Hello"); });
         harness.operation("addTitle", [](UIHeader& header, Random&) { header.addTitle("A-B (c)"); });
-        harness.operation("translation arrives", [&pending](UIHeader&, Random& r) {
-            if (!pending.empty()) pending[std::size_t(randomInt(r, 0, int(pending.size()) - 1))]("x (y)");
-        });
+        harness.complete("translation arrives", pending, std::string("x (y)"));
         harness.operation("watch none", [](UIHeader& header, Random&) { header.watch("h", {}, {}); });
         harness.input("tap selection", [](ui::HeadlessHost& host, UIHeader& header, Random&) {
-            const auto& button = *header.selectionBtn();
-            host.tap(button.convertRectTo(button.bounds(), nullptr).center());
+            host.tap(centreOf(*header.selectionBtn()));
         });
         harness.input("tap segment", [](ui::HeadlessHost& host, UIHeader& header, Random& r) {
             const auto& control = *header.segmentedControl();
             host.tap(randomPointIn(r, control.convertRectTo(control.bounds(), nullptr)));
         });
         harness.input("tap back", [](ui::HeadlessHost& host, UIHeader& header, Random&) {
-            const auto& button = *header.backBtn();
-            host.tap(button.convertRectTo(button.bounds(), nullptr).center());
+            host.tap(centreOf(*header.backBtn()));
         });
         harness.run(ReentrancyHarness<UIHeader>::steps(500, 5000));
         EXPECT_GT(harness.callbacks(), 100) << seed;

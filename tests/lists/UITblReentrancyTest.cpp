@@ -132,17 +132,11 @@ TEST_F(UITblReentrancyTest, any_operation_from_any_callback_is_safe) {
         harness.operation("erase a row", [](UITbl& list, Random&) {
             if (!list.myData()->empty()) list.myData()->erase(std::size_t(0));
         });
-        harness.operation("translation arrives", [&pending](UITbl&, Random& r) {
-            if (pending.empty()) return;
-            auto done = pending[std::size_t(randomInt(r, 0, int(pending.size()) - 1))];
-            if (done) done("traduit");
-        });
+        harness.complete("translation arrives", pending, std::string("traduit"));
         harness.operation("layout now", [](UITbl& list, Random&) {
             list.window() ? list.window()->layoutIfNeeded() : void();
         });
-        harness.input("tap", [](ui::HeadlessHost& host, UITbl& list, Random& r) {
-            host.tap(randomPointIn(r, list.convertRectTo(list.bounds(), nullptr)));
-        });
+        harness.tapAnywhere();
         harness.input("scroll", [](ui::HeadlessHost& host, UITbl&, Random& r) {
             host.drag({200, double(randomInt(r, 100, 700))}, {200, double(randomInt(r, 50, 800))}, 0.2, 6);
         });
@@ -154,8 +148,7 @@ TEST_F(UITblReentrancyTest, any_operation_from_any_callback_is_safe) {
         harness.input("press action", [](ui::HeadlessHost& host, UITbl& list, Random& r) {
             const auto buttons = list.tbl()->swipeActionButtons();
             if (buttons.empty()) return;
-            const auto& button = buttons[std::size_t(randomInt(r, 0, int(buttons.size()) - 1))];
-            host.tap(button->convertRectTo(button->bounds(), nullptr).center());
+            host.tap(centreOf(*buttons[std::size_t(randomInt(r, 0, int(buttons.size()) - 1))]));
         });
         harness.input("pull", [](ui::HeadlessHost& host, UITbl&, Random&) {
             host.drag({200, 80}, {200, 600}, 0.3, 10);

@@ -17,7 +17,7 @@ class UITblSnapshotTest : public ListsFixture {};
 
 // Venues with pictures of three shapes, a selected row with its check mark,
 // prices, and a row without picture, on the dark navy of the gallery.
-TEST_F(UITblSnapshotTest, venue_list_screen) {
+TEST_F(UITblSnapshotTest, the_venue_list_screen_matches_its_snapshot) {
     resourcePicture("wide", 300, 150, Colors::hex("#E07A5F"));
     resourcePicture("tall", 60, 120, Colors::hex("#81B29A"));
     resourcePicture("square", 100, 100, Colors::hex("#F2CC8F"));

@@ -1,5 +1,7 @@
-// The table list driven through its operations and the headless host: taps,
-// swipes and pulls go through the real table.
+// The table list driven through its operations and the headless host:
+// configuration, sorting, check marks, taps, populate, translation, swipes,
+// pull to refresh, moving rows and its colour. Taps, swipes and pulls go
+// through the real table.
 #include "ListsFixture.h"
 
 #include <morvane/sys/Log.h>
@@ -28,11 +30,14 @@ class UITblTest : public ListsFixture {
     std::string header(int row) const { return cellAt(row)->headLbl()->text(); }
     std::string body(int row) const { return cellAt(row)->bodyLbl()->text(); }
     bool checked(int row) const { return !cellAt(row)->checkLabel()->isHidden(); }
-    double rowHeight() const { return list->tbl()->rectForRow(ui::IndexPath::forRow(0)).height; }
-    void tapButton(std::size_t index) {
-        auto button = list->tbl()->swipeActionButtons().at(index);
-        host->tap(button->convertRectTo(button->bounds(), nullptr).center());
+    std::vector<bool> marks() const {
+        std::vector<bool> out;
+        for (int row = 0; row < list->tbl()->numberOfRows(0); ++row)
+            out.push_back(checked(row));
+        return out;
     }
+    double rowHeight() const { return list->tbl()->rectForRow(ui::IndexPath::forRow(0)).height; }
+    void tapButton(std::size_t index) { tapOn(*list->tbl()->swipeActionButtons().at(index)); }
 };
 
 std::string joined(const Keys& keys) {
@@ -141,15 +146,15 @@ TEST_F(UITblTest, check_marks_follow_the_selection_as_a_substring) {
     config.select = [](std::string& s) { s = "A1"; };
     show(config);
     ASSERT_EQ(rowKeys(), (Keys{"A1", "A12", "A2", "B1"}));
-    EXPECT_EQ((std::vector<bool>{checked(0), checked(1), checked(2), checked(3)}),
-              (std::vector<bool>{true, true, false, false}));
+    const std::vector<bool> none(4, false);
+    EXPECT_EQ(marks(), (std::vector<bool>{true, true, false, false}));
     config.checkBox = [](bool& on) { on = false; };
     show(config);
-    EXPECT_FALSE(checked(0) || checked(1)) << "check marks off";
+    EXPECT_EQ(marks(), none) << "check marks off";
     config.checkBox = {};
     config.select = {};
     show(config);
-    EXPECT_FALSE(checked(0) || checked(1) || checked(2) || checked(3)) << "an empty selection marks nothing";
+    EXPECT_EQ(marks(), none) << "an empty selection marks nothing";
 }
 
 // A tap calls every select callback, in registration order, with the row's

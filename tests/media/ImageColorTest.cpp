@@ -1,3 +1,5 @@
+// Picture operations: tinting, scaling, the byte budget, the JPEG size
+// estimate, the orange tone and reading a point's colour.
 #include "MediaFixture.h"
 
 #include <morvane/gfx/ImageContext.h>

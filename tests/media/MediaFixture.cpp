@@ -1,3 +1,4 @@
+// See MediaFixture.h.
 #include "MediaFixture.h"
 
 #include <morvane/sys/Clock.h>

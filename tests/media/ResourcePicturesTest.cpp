@@ -1,3 +1,5 @@
+// Pictures found by name in the application's resource folder and the kit's
+// own, and names that must never resolve outside them.
 #include "MediaFixture.h"
 
 #include <morvane/media/ResourcePictures.h>

@@ -1,3 +1,6 @@
+// The picture file cache: names from addresses, stamps and the four-week
+// rule, dating and reading files, the eight-week sweep, atomic replacement,
+// and hostile addresses and links that must never lead outside it.
 #include "MediaFixture.h"
 
 #include <morvane/media/ZBImageCut.h>
@@ -72,7 +75,7 @@ TEST_F(ZBImageCutTest, names_come_from_the_cleaned_address) {
 // the second: a stamp exactly four weeks old is not older, one second more
 // is; the day-only test ignores the time of day. Weeks are calendar weeks,
 // keeping the clock time across a daylight-saving change.
-TEST_F(ZBImageCutTest, stamps_and_the_four_week_rule) {
+TEST_F(ZBImageCutTest, stamps_are_cut_to_the_second_and_four_weeks_are_calendar_weeks) {
     EXPECT_EQ(ZBImageCut::cut("2024.01.01T10:00:00.750+0100"), "2024.01.01T10:00:00");
     EXPECT_EQ(ZBImageCut::cut("2024.01"), "2024.01");
     EXPECT_EQ(ZBImageCut::textToDate("2024.01.01T00:00:00.999"), kJan2024);

@@ -16,4 +16,8 @@ gfx::Point randomPointIn(Random& random, const gfx::Rect& rect) {
     return {rect.x + unit(random) * rect.width, rect.y + unit(random) * rect.height};
 }
 
+gfx::Point centreOf(const ui::View& view) {
+    return view.convertRectTo(view.bounds(), nullptr).center();
+}
+
 } // namespace morvane::test

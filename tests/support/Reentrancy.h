@@ -42,6 +42,8 @@ using Random = std::mt19937;
 int randomInt(Random& random, int low, int high); // low..high inclusive
 bool chance(Random& random, double probability);
 gfx::Point randomPointIn(Random& random, const gfx::Rect& rect);
+// The middle of a view, in window coordinates (where a finger lands).
+gfx::Point centreOf(const ui::View& view);
 
 template <class Component> class ReentrancyHarness {
   public:
@@ -70,6 +72,22 @@ template <class Component> class ReentrancyHarness {
     }
     void input(std::string name, Input run) {
         inputs_.push_back({std::move(name), std::move(run)});
+    }
+    // The input almost every harness wants: a tap anywhere on the component.
+    void tapAnywhere() {
+        input("tap", [](ui::HeadlessHost& host, Component& component, Random& random) {
+            host.tap(randomPointIn(random, component.convertRectTo(component.bounds(), nullptr)));
+        });
+    }
+    // Completions a component handed out (translations, answers): one, at
+    // random, is called with the value. Empty ones are skipped.
+    template <class Completion, class Result>
+    void complete(std::string name, std::vector<Completion>& pending, Result value) {
+        operation(std::move(name), [&pending, value](Component&, Random& random) {
+            if (pending.empty()) return;
+            const auto done = pending[std::size_t(randomInt(random, 0, int(pending.size()) - 1))];
+            if (done) done(value);
+        });
     }
 
     ui::HeadlessHost& host() {

@@ -1,3 +1,5 @@
+// The application's identifier and the folders it names, from the
+// environment or the application's own overrides.
 #include <morvane/sys/App.h>
 #include <morvane/sys/Log.h>
 

@@ -242,7 +242,7 @@ TEST(Logging, lines_from_many_threads_arrive_whole) {
     EXPECT_TRUE(capture.contains("-zd line 5\n", Log::Channel::StandardError));
 }
 
-TEST(Logging, nested_captures_and_sinks) {
+TEST(Logging, nested_captures_and_the_sink_each_get_only_their_own_lines) {
     std::vector<std::string> sunk;
     Log::setPlatformSink([&](std::string_view text) { sunk.emplace_back(text); });
     {

@@ -1,3 +1,6 @@
+// Files: whole-file writes that a killed writer cannot tear, folders,
+// creation dates on the kit's clock, versions, the walk and the inside test
+// that links and dots must not fool.
 #include <morvane/sys/Clock.h>
 #include <morvane/sys/Files.h>
 #include <morvane/sys/RunLoop.h>

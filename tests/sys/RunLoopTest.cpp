@@ -1,3 +1,5 @@
+// The main run loop and timers on the manual clock (order, repeats, odd
+// delays, one pass at a time, throwing blocks) and on the real clock.
 #include <morvane/sys/Clock.h>
 #include <morvane/sys/Log.h>
 #include <morvane/sys/Queue.h>

@@ -1,3 +1,5 @@
+// The settings store: values that survive reopening and a killed writer,
+// damaged files moved aside, a store that cannot be opened, the standard one.
 #include <morvane/model/List.h>
 #include <morvane/model/Node.h>
 #include <morvane/sys/App.h>

@@ -1,3 +1,5 @@
+// Colours from hex texts and their darker and lighter shades, and the two
+// frame helpers of ViewExtra.
 #include <morvane/util/Colors.h>
 #include <morvane/util/ViewExtra.h>
 
@@ -17,24 +19,18 @@ void expectColor(const Color& c, double r, double g, double b, double a = 1) {
     EXPECT_NEAR(c.alpha, a, 1e-9);
 }
 
+// Reading stops at the first other character; eight digits drop the alpha
+// byte; too many digits saturate instead of wrapping; no number is black.
 TEST(Colors, hex_reads_the_number_with_or_without_hash) {
     expectColor(Colors::hex("#FF8000"), 1, 128 / 255.0, 0);
     expectColor(Colors::hex("FF8000"), 1, 128 / 255.0, 0);
     expectColor(Colors::hex("##1a2B3c"), 0x1A / 255.0, 0x2B / 255.0, 0x3C / 255.0);
     expectColor(Colors::hex("0x00FF00"), 0, 1, 0);
-    // Reading stops at the first other character.
     expectColor(Colors::hex("#FF80zz"), 0, 0xFF / 255.0, 0x80 / 255.0);
-    // Eight digits: the alpha byte is ignored, the colour comes from the low 24 bits.
     expectColor(Colors::hex("#80FF8000"), 1, 128 / 255.0, 0);
-}
-
-TEST(Colors, texts_without_a_number_give_black) {
-    for (const char* text : {"", "#", "zzz", " #FF0000", "\xff\xfe"}) {
-        SCOPED_TRACE(text);
-        expectColor(Colors::hex(text), 0, 0, 0);
-    }
-    // Too many digits saturate instead of wrapping around.
     expectColor(Colors::hex("FFFFFFFFFFFF000000"), 1, 1, 1);
+    for (const char* text : {"", "#", "zzz", " #FF0000", "\xff\xfe"})
+        expectColor(Colors::hex(text), 0, 0, 0);
 }
 
 TEST(Colors, darkening_only_touches_components_above_zero) {
@@ -49,7 +45,9 @@ TEST(Colors, darkening_only_touches_components_above_zero) {
     expectColor(Colors::lightup(Color(0.95, 0, -0.2, 0.2), 0.1), 1.05, 0.1, -0.1);
 }
 
-TEST(ViewExtra, yPos_counts_heights_under_ten_and_points_from_ten) {
+// yPos counts heights under ten and points from ten; advanceV moves a
+// frame down by its height and the gap, keeping its size.
+TEST(ViewExtra, positions_count_heights_under_ten_and_points_from_ten) {
     const Rect r(0, 10, 50, 20);
     EXPECT_DOUBLE_EQ(ViewExtra::yPos(r, 0.5), 40);
     EXPECT_DOUBLE_EQ(ViewExtra::yPos(r, 12), 42);
@@ -57,9 +55,6 @@ TEST(ViewExtra, yPos_counts_heights_under_ten_and_points_from_ten) {
     // The switch from heights to points is at 10 exactly.
     EXPECT_DOUBLE_EQ(ViewExtra::yPos(r, 9.5), 30 + 190);
     EXPECT_DOUBLE_EQ(ViewExtra::yPos(r, 10), 40);
-}
-
-TEST(ViewExtra, advanceV_moves_down_keeping_size) {
     EXPECT_EQ(ViewExtra::advanceV(Rect(5, 10, 50, 20), 4), Rect(5, 34, 50, 20));
     EXPECT_EQ(ViewExtra::advanceV(Rect(5, 10, 50, 20), -20), Rect(5, 10, 50, 20));
 }

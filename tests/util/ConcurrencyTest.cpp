@@ -1,3 +1,5 @@
+// Formatters, shared instances and saved settings used from several threads
+// at once; labelled for the ThreadSanitizer run.
 #include <morvane/model/Value.h>
 #include <morvane/util/Dates.h>
 #include <morvane/util/GAirportCode.h>
@@ -52,7 +54,7 @@ TEST(UtilThreads, stamps_stay_consistent_while_the_zone_changes) {
 
 // Shared instances are made once however many threads ask first, and saves
 // from several threads all land in the store.
-TEST(UtilThreads, shared_instances_and_saves_from_many_threads) {
+TEST(UtilThreads, shared_instances_are_made_once_and_saves_from_many_threads_all_land) {
     std::vector<const void*> seen(8);
     std::vector<std::thread> threads;
     for (std::size_t t = 0; t < seen.size(); ++t) {

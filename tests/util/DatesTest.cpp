@@ -1,3 +1,5 @@
+// Stamps, shown dates and clock stamps in several zones and locales: the
+// strict parsing, the day prefix, and the kit's own clock.
 #include <morvane/sys/Clock.h>
 #include <morvane/util/Dates.h>
 #include <morvane/util/Txt.h>
@@ -50,6 +52,8 @@ TEST_F(DatesTest, stamps_round_trip_in_several_time_zones) {
     EXPECT_EQ(Dates::timeZone(), "Pacific/Kiritimati");
 }
 
+// Parsing is strict and whole, POSIX-strict for other formats, and reads
+// month names in English whatever the locale.
 TEST_F(DatesTest, stamp_parsing_is_strict_and_whole) {
     EXPECT_FALSE(Dates::text(""));
     EXPECT_FALSE(Dates::text("2024.02.30T10:00:00"));     // no such day
@@ -62,6 +66,14 @@ TEST_F(DatesTest, stamp_parsing_is_strict_and_whole) {
     EXPECT_FALSE(Dates::isValidDateFormat("2024.03.10T02:30:00", Dates::kStamp));
     Dates::setTimeZone("Asia/Tokyo");
     EXPECT_TRUE(Dates::isValidDateFormat("2024.03.10T02:30:00", Dates::kStamp));
+
+    EXPECT_FALSE(Dates::isValidDateFormat("", Dates::kStamp));
+    EXPECT_FALSE(Dates::isValidDateFormat("", ""));
+    EXPECT_FALSE(Dates::isValidDateFormat("Tokyo", Dates::kStamp));
+    EXPECT_FALSE(Dates::isValidDateFormat("x", "jjj")); // ICU drops unknown pattern letters
+    Dates::setLocale("de_DE");
+    EXPECT_TRUE(Dates::isValidDateFormat("31 Dec 2024", "dd MMM yyyy"));
+    EXPECT_FALSE(Dates::isValidDateFormat("31 Dez. 2024", "dd MMM yyyy"));
 }
 
 TEST_F(DatesTest, textToDate_reads_only_the_day_prefix) {
@@ -92,26 +104,13 @@ TEST_F(DatesTest, shown_dates_follow_the_locale_and_round_trip) {
     }
 }
 
-TEST_F(DatesTest, isValidDateFormat_is_posix_strict_and_refuses_empty_text) {
-    EXPECT_FALSE(Dates::isValidDateFormat("", Dates::kStamp));
-    EXPECT_FALSE(Dates::isValidDateFormat("", ""));
-    EXPECT_TRUE(Dates::isValidDateFormat("1990.01.01T01:01:01", Dates::kStamp));
-    EXPECT_FALSE(Dates::isValidDateFormat("Tokyo", Dates::kStamp));
-    EXPECT_FALSE(Dates::isValidDateFormat("x", "jjj")); // ICU drops unknown pattern letters
-    // Month names are read in English whatever the current locale is.
-    Dates::setLocale("de_DE");
-    EXPECT_TRUE(Dates::isValidDateFormat("31 Dec 2024", "dd MMM yyyy"));
-    EXPECT_FALSE(Dates::isValidDateFormat("31 Dez. 2024", "dd MMM yyyy"));
-}
-
-TEST_F(DatesTest, clock_stamp_pads_seconds_to_three_digits) {
+// Clock stamps pad seconds to three digits; without a moment they read the
+// kit's clock, as do the names made from the moment.
+TEST_F(DatesTest, clock_stamps_pad_seconds_to_three_digits_and_read_the_kits_clock) {
     EXPECT_EQ(Dates::getDate(utc(2024y / May / 5, 14h + 5min + 9s)), "1405009");
     EXPECT_EQ(Dates::getDate(utc(2024y / May / 5, 23h + 59min + 59s)), "2359059");
     Dates::setTimeZone("Asia/Kolkata");
     EXPECT_EQ(Dates::format(utc(2024y / May / 5, 14h + 5min + 9s), "yyyyMMddHHmmsss"), "202405051935009");
-}
-
-TEST_F(DatesTest, current_stamps_read_the_kits_clock) {
     morvane::sys::Clock::useManual(utc(2024y / March / 3, 8h + 7min + 6s));
     Dates::setTimeZone("Asia/Tokyo");
     EXPECT_EQ(morvane::Txt::getName("photo-"), "photo-2024.03.03T17:07:06");

@@ -1,3 +1,5 @@
+// The values the kit keeps in the application's settings store, under the
+// keys it has always used, and the airport city read from them.
 #include <morvane/model/List.h>
 #include <morvane/model/Node.h>
 #include <morvane/sys/App.h>
@@ -31,7 +33,9 @@ class StoredSettings : public testing::Test {
     std::string identifier_ = sys::App::identifier();
 };
 
-TEST_F(StoredSettings, airport_city_keeps_the_last_path_piece_and_reads_lower_case) {
+// A stored city keeps its last path piece and reads lower case; without one
+// the identifier's last piece is the city, unchanged.
+TEST_F(StoredSettings, airport_city_is_the_stored_last_piece_in_lower_case_or_the_identifiers) {
     GAirportCode::airportCitySave("Tokyo/Haneda");
     EXPECT_EQ(GAirportCode::airportCity(), "haneda");
     EXPECT_EQ(sys::Settings::standard()->text("airportCity"), "Haneda");
@@ -40,9 +44,7 @@ TEST_F(StoredSettings, airport_city_keeps_the_last_path_piece_and_reads_lower_ca
     // A trailing "/" stores the empty last piece, which is still a stored city.
     GAirportCode::airportCitySave("Japan/");
     EXPECT_EQ(GAirportCode::airportCity(), "");
-}
-
-TEST_F(StoredSettings, airport_city_falls_back_to_the_identifier_unchanged) {
+    sys::Settings::standard()->remove("airportCity");
     ASSERT_TRUE(sys::App::setIdentifier("com.example.Osaka"));
     EXPECT_EQ(GAirportCode::airportCity(), "Osaka");
     ASSERT_TRUE(sys::App::setIdentifier("Nagoya"));

@@ -1,3 +1,6 @@
+// The text helpers: splitting, prices, brackets, blanks, title case, storage
+// paths and addresses, the typing formatters, UTF-16 positions, ill-formed
+// UTF-8 and the debug lines.
 #include <morvane/model/List.h>
 #include <morvane/sys/Log.h>
 #include <morvane/util/Txt.h>
@@ -77,6 +80,7 @@ TEST(Txt, cap_title_cases_each_piece_and_rejoins) {
     EXPECT_EQ(Txt::cap("istanbul", " "), "Istanbul");
 }
 
+// Storage paths are lower-case labels; an address joins the base with one slash.
 TEST(Txt, storage_paths_are_lower_case_labels) {
     EXPECT_EQ(Txt::attach("1-Japan", "2-Tokyo (Haneda)"), "japan/tokyo_"); // no trim
     EXPECT_EQ(Txt::attach("1-Île de France", "2-Orly"), "île_de_france/orly");
@@ -85,6 +89,8 @@ TEST(Txt, storage_paths_are_lower_case_labels) {
     EXPECT_EQ(Txt::attachArray(" World", {"(x)"}), "world/"); // trimmed before blanks turn into "_"
     EXPECT_EQ(Txt::attachArray("World", morvane::List::make({"THA", 3, ".png"})), "world/tha.png");
     EXPECT_EQ(Txt::attachArray("World", morvane::ListPtr{}), "world");
+    Txt::setRealtimeBase("https://example-db.invalid//");
+    EXPECT_EQ(Txt::attachURL("menu/items"), "https://example-db.invalid/menu/items");
 }
 
 TEST(Txt, flightFormat_splits_airline_and_number_as_typed) {
@@ -126,11 +132,6 @@ TEST(Txt, ill_formed_utf8_is_replaced_never_passed_on) {
     EXPECT_EQ(Txt::prefix(bad, "\xff"), "ab"); // the separator is replaced alike
     EXPECT_EQ(Txt::cap("\xc0x", " "), "\uFFFDX");
     EXPECT_EQ(Txt::trim(" \xff "), "\uFFFD");
-}
-
-TEST(Txt, attachURL_joins_the_base_address_with_one_slash) {
-    Txt::setRealtimeBase("https://example-db.invalid//");
-    EXPECT_EQ(Txt::attachURL("menu/items"), "https://example-db.invalid/menu/items");
 }
 
 TEST(Txt, debug_lines_carry_tag_file_and_line) {
