@@ -1,6 +1,6 @@
 // The menu screen at scale 3, in one run: configured with five data sets of
 // 200 items and refreshed, to its first frame; a tap on a tile to the frame
-// with the card shown; and steady frames with the card open, pictures
+// with the card shown; and whole frames with the card open, pictures
 // cached. Ends with one GOAL line per goal.
 
 #include "lists/BenchParts.h"
@@ -96,14 +96,18 @@ int main() {
     std::printf("tap on a tile to the frame with the card shown: median %.2f ms (card %s)\n", tapMs,
                 menu->profileUI()->isHidden() ? "hidden" : "shown");
 
+    // Unchanged frames draw nothing in the host; a whole frame of the screen
+    // is what the card costs to show.
     std::vector<double> steady;
+    gfx::ImageContext whole({390, 844}, gfx::Opacity::Opaque, 3);
+    ui::Renderer renderer;
     for (int i = 0; i < 100; ++i) {
         const auto start = Clock::now();
-        frame(host);
+        renderer.renderFrame(*host.root(), whole.canvas(), ui::Renderer::Redraw::Everything);
         steady.push_back(msSince(start));
     }
     const double steadyMs = median(steady);
-    std::printf("steady frames with the card open: median %.3f ms\n", steadyMs);
+    std::printf("whole frames with the card open: median %.3f ms\n", steadyMs);
 
     std::printf("GOAL menu_screen_first_frame_5x200_ms measured=%.2f target=100 met=%s\n", firstMs,
                 firstMs <= 100 ? "yes" : "no");

@@ -195,6 +195,7 @@ TEST(Render, views_under_an_opaque_cover_are_skipped_unless_they_could_show) {
     cover->setBackgroundColor(gfx::Color(0, 0, 1, 0.5));
     EXPECT_EQ(drawn(), 9);
     EXPECT_TRUE(host.snapshot(1).pixelColor(5, 50)->isClose(gfx::Color(0.5, 0, 0.5, 1), 0.02));
+}
 
 // A background under opaque children is filled only around them; where the
 // children's edges fall between pixels, the background must still show
