@@ -96,6 +96,7 @@ TEST_F(CameraViewTest, the_shutter_opens_the_camera_then_takes_one_photo) {
                   },
                   {});
     host->runUntilIdle();
+    EXPECT_FALSE(camera->videoPreviewLayer()) << "no preview before the first press";
     camera->btnAction();
     EXPECT_EQ(camera->save()->tag(), 1);
     EXPECT_EQ(camera->save()->backgroundColor(), gfx::Color::redColor());
