@@ -225,6 +225,13 @@ TEST_F(PartialRedrawTest, scrolled_content_moves_and_matches_a_whole_redraw) {
         EXPECT_TRUE(frameMatchesWhole()) << "step " << step;
     }
     EXPECT_TRUE(frameMatchesWhole(3)) << "at scale 3";
+    // A label draws its text where its bounds are, whatever their origin:
+    // moving the origin must not slide the pixels of its text.
+    title->setBackgroundColor(gfx::Color::whiteColor());
+    title->setClipsToBounds(true);
+    EXPECT_TRUE(frameMatchesWhole(3));
+    title->setBounds({0, 5, title->bounds().width, title->bounds().height});
+    EXPECT_TRUE(frameMatchesWhole(3)) << "a label's origin moved";
     for (int step = 0; step < 6; ++step) {
         scroll->setContentOffset({0, 100.0 + 37 * step});
         EXPECT_TRUE(frameMatchesWhole(3)) << "scale 3, step " << step;
