@@ -225,6 +225,16 @@ TEST_F(PartialRedrawTest, scrolled_content_moves_and_matches_a_whole_redraw) {
         EXPECT_TRUE(frameMatchesWhole()) << "step " << step;
     }
     EXPECT_TRUE(frameMatchesWhole(3)) << "at scale 3";
+    // A label draws its text where its bounds are, whatever their origin:
+    // moving the origin must not slide the pixels of its text.
+    auto note = std::make_shared<Label>(gfx::Rect{30, 620, 200, 40});
+    note->setText("Breakfast until ten");
+    note->setBackgroundColor(gfx::Color::whiteColor());
+    note->setClipsToBounds(true);
+    host.root()->addSubview(note);
+    EXPECT_TRUE(frameMatchesWhole(3));
+    note->setBounds({0, 5, 200, 40});
+    EXPECT_TRUE(frameMatchesWhole(3)) << "a label's origin moved";
     for (int step = 0; step < 6; ++step) {
         scroll->setContentOffset({0, 100.0 + 37 * step});
         EXPECT_TRUE(frameMatchesWhole(3)) << "scale 3, step " << step;

@@ -99,6 +99,8 @@ class ScrollView : public View {
     void draw(gfx::Canvas& canvas, const gfx::Rect& rect) override;
     // A subclass draws on the content (a text view's text), which may reach past the bounds.
     gfx::Rect drawingRect() const override;
+    // The content and a subclass's drawing are placed in content coordinates.
+    bool slidesContent() const override { return true; }
 
   protected:
     void layoutSubviews() override;

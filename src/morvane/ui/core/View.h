@@ -212,6 +212,12 @@ class View : public std::enable_shared_from_this<View> {
     // the bounds with a point to spare for strokes on the edge and glyph ink;
     // a view that draws further out says so here.
     virtual gfx::Rect drawingRect() const;
+    // True when everything the view shows inside its bounds, its own drawing
+    // included, is placed in bounds coordinates, so that moving the bounds
+    // origin slides all of it (a scroll view). A frame may then move the
+    // pixels already drawn instead of drawing them again. A view whose draw()
+    // paints at the rectangle it is given stays put instead: false.
+    virtual bool slidesContent() const { return false; }
 
   protected:
     // Places the children from the view's own bounds. Called before drawing

@@ -152,12 +152,13 @@ gfx::Rect RedrawAreas::visit(View& view, const Context& context, Mode mode) {
 // The content of `view` slid by `by` (points) and nothing else about it
 // changed since the last frame (or it would be marked), nor about its
 // ancestors (or the walk would not be following marks here). Its pixels can
-// move when everything on them is the view's own: an opaque background
+// move when all it draws slides with its bounds origin (slidesContent) and
+// everything on them is the view's own: an opaque background
 // without rounded corners or border under content clipped to the bounds,
 // placed by a plain translation, under ancestors that neither fade nor cut it
 // with anything but boxes, and a slide of whole device pixels.
 bool RedrawAreas::startMove(View& view, const gfx::Rect& frame, const Context& context, gfx::Point by) {
-    if (!(scale_ > 0) || !context.plain) return false;
+    if (!(scale_ > 0) || !context.plain || !view.slidesContent()) return false;
     const Layer& layer = view.layer_;
     if (!layer.masksToBounds() || layer.mask() || layer.cornerRadius() > 0 ||
         view.backgroundColor_.alpha < 1 || view.alpha_ < 1 ||
